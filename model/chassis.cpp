@@ -1,0 +1,51 @@
+#include "chassis.h"
+
+#include "platform_ops.h"
+
+namespace model {
+
+chassis::chassis(const std::vector<npu_config>& npus) {
+  for (std::uint32_t i = 0; i < npus.size(); ++i) npus_.push_back(std::make_unique<npu>(*this, i, npus[i]));
+}
+
+chassis::~chassis() { stop(); }
+
+void chassis::start() {
+  if (started_) return;
+  started_ = true;
+  for (auto& n : npus_) {
+    for (std::uint32_t i = 0; i < n->thread_count(); ++i) {
+      npu_thread& t = n->thread(i);
+      t.host_thread = std::thread([&t] { run_npu_thread(t); });
+    }
+  }
+}
+
+bool chassis::idle_locked() const {
+  for (const auto& n : npus_) {
+    if (!n->idle_locked()) return false;
+  }
+  return true;
+}
+
+void chassis::run_until_idle() {
+  start();
+  std::unique_lock lock(mutex_);
+  cv_.wait(lock, [&] { return idle_locked(); });
+}
+
+void chassis::stop() {
+  {
+    std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  cv_.notify_all();
+  for (auto& n : npus_) {
+    for (std::uint32_t i = 0; i < n->thread_count(); ++i) {
+      std::thread& th = n->thread(i).host_thread;
+      if (th.joinable()) th.join();
+    }
+  }
+}
+
+}  // namespace model

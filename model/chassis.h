@@ -1,0 +1,48 @@
+// A chassis of software NPUs and the driver that runs them.
+//
+// Every NPU thread is a host thread running the forwarding program. The
+// chassis mutex guards all queues, thread states and records of every NPU;
+// the condition variable wakes threads waiting for packets and callers
+// waiting for the chassis to go idle. Table memory has locks of its own and
+// is never touched under the chassis mutex.
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "npu.h"
+
+namespace model {
+
+class chassis {
+ public:
+  explicit chassis(const std::vector<npu_config>& npus);
+  ~chassis();
+  chassis(const chassis&) = delete;
+  chassis& operator=(const chassis&) = delete;
+
+  npu& at(std::size_t i) { return *npus_[i]; }
+  std::size_t size() const { return npus_.size(); }
+
+  // Starts every NPU thread; each sets itself up and asks for its first packet.
+  void start();
+  // Returns when no packet is queued and every thread waits for one.
+  void run_until_idle();
+  // Ends every thread at its next packet request and joins them.
+  void stop();
+
+ private:
+  friend class npu;
+  bool idle_locked() const;
+
+  std::mutex mutex_;
+  std::condition_variable cv_;
+  bool stopping_ = false;
+  bool started_ = false;
+  std::vector<std::unique_ptr<npu>> npus_;
+};
+
+}  // namespace model

@@ -1,0 +1,228 @@
+// Decoding and carrying out the DMA commands of a thread. Every request is
+// complete when the command returns, which is a valid order of events for
+// the program: a result is in place before its first read.
+#include <cstring>
+#include <string>
+
+#include "dma_defs.h"
+#include "platform_ops.h"
+
+namespace model {
+
+namespace {
+
+struct dma_cmd {
+  std::uint32_t resource;
+  std::uint32_t resp_bytes;
+  std::uint32_t resp_loc;
+  std::uint32_t req_bytes;
+  std::uint32_t req_loc;
+};
+
+dma_cmd decode(std::uint32_t cmd) {
+  return {cmd >> DMA_CMD_RESOURCE_SHIFT, ((cmd >> DMA_CMD_RESP_SIZE_SHIFT) & 0x1F) * 8,
+          ((cmd >> DMA_CMD_RESP_LOC_SHIFT) & 0x3F) * 16, ((cmd >> DMA_CMD_REQ_SIZE_SHIFT) & 0x1F) * 4,
+          (cmd & 0x3F) * 16};
+}
+
+std::uint32_t load_be32(const std::uint8_t* p) {
+  return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
+}
+
+void store_be(std::uint8_t* p, unsigned width, std::uint64_t v) {
+  for (unsigned i = width; i-- > 0;) {
+    p[i] = static_cast<std::uint8_t>(v);
+    v >>= 8;
+  }
+}
+
+class request {
+ public:
+  request(npu_thread& t, const dma_cmd& c) : t_(t), c_(c) {}
+
+  std::uint32_t word(std::uint32_t i) const { return load_be32(t_.dmem.data() + c_.req_loc + 4 * i); }
+  const std::uint8_t* bytes_from(std::uint32_t offset) const { return t_.dmem.data() + c_.req_loc + offset; }
+  // The response area, cleared to the response size; null if none is wanted.
+  std::uint8_t* response() {
+    if (c_.resp_bytes == 0) return nullptr;
+    std::memset(t_.dmem.data() + c_.resp_loc, 0, c_.resp_bytes);
+    return t_.dmem.data() + c_.resp_loc;
+  }
+  const dma_cmd& cmd() const { return c_; }
+  npu_thread& thread() { return t_; }
+  npu& owner() { return *t_.owner; }
+  void breach(const std::string& what) { t_.owner->breach(t_, what); }
+
+ private:
+  npu_thread& t_;
+  dma_cmd c_;
+};
+
+paddr_t physical(std::uint32_t word0, std::uint32_t word1) {
+  return (paddr_t{word0 >> 24} << 32) | word1;
+}
+
+rmw_op alu_op(std::uint32_t opcode) {
+  switch (opcode) {
+    case MEM_OP_SADD: return rmw_op::add;
+    case MEM_OP_NOR: return rmw_op::nor;
+    case MEM_OP_NOT: return rmw_op::bit_not;
+    case MEM_OP_XOR: return rmw_op::bit_xor;
+    case MEM_OP_NAND: return rmw_op::nand;
+    case MEM_OP_AND: return rmw_op::bit_and;
+    case MEM_OP_XNOR: return rmw_op::xnor;
+    case MEM_OP_OR: return rmw_op::bit_or;
+    default: return rmw_op::write;
+  }
+}
+
+void respond_old_word(request& r, std::uint64_t old, unsigned width) {
+  if (std::uint8_t* resp = r.response()) store_be(resp, width, old);
+}
+
+// Physical memory requests (resource 511).
+void memory_request(request& r) {
+  table_memory& mem = r.owner().memory();
+  const std::uint32_t w0 = r.word(0);
+  const std::uint32_t opcode = w0 & 0xFF;
+  const paddr_t addr = physical(w0, r.word(1));
+  auto read_into_response = [&](std::size_t n) {
+    if (std::uint8_t* resp = r.response()) mem.read(addr, {resp, std::min<std::size_t>(n, r.cmd().resp_bytes)});
+  };
+  auto write_from_request = [&](std::size_t n) {
+    mem.write(addr, {r.bytes_from(8), n});
+    r.response();
+  };
+  switch (opcode) {
+    case MEM_OP_READ_4B: return read_into_response(4);
+    case MEM_OP_READ_8B: return read_into_response(8);
+    case MEM_OP_READ_16B: return read_into_response(16);
+    case MEM_OP_READ_32B: return read_into_response(32);
+    case MEM_OP_WRITE_4B: return write_from_request(4);
+    case MEM_OP_WRITE_8B: return write_from_request(8);
+    case MEM_OP_WRITE_16B: return write_from_request(16);
+    case MEM_OP_WRITE_32B:
+    case MEM_OP_DPE_WRITE_32B: return write_from_request(32);
+    case MEM_OP_EPE_READ_CLR_16B: {
+      std::uint8_t* resp = r.response();
+      std::uint8_t scratch[16];
+      mem.read_clear(addr, {resp ? resp : scratch, 16});
+      return;
+    }
+    case MEM_OP_READ_CLR_8B: {
+      std::uint8_t* resp = r.response();
+      std::uint8_t scratch[8];
+      mem.read_clear(addr, {resp ? resp : scratch, 8});
+      return;
+    }
+    case MEM_OP_INCR_4B: {
+      // With a second command behind it, this is the increment with wrap.
+      if (r.cmd().req_bytes >= 24 && (r.word(2) & 0xFF) == MEM_OP_INCR_WRAP_PART2) {
+        return respond_old_word(r, mem.rmw(addr, 4, rmw_op::inc_wrap, r.word(4)), 4);
+      }
+      return respond_old_word(r, mem.rmw(addr, 4, rmw_op::add, 1), 4);
+    }
+    case MEM_OP_INCR_8B: return respond_old_word(r, mem.rmw(addr, 8, rmw_op::add, 1), 8);
+    case MEM_OP_CONDSUB_4B: return respond_old_word(r, mem.rmw(addr, 4, rmw_op::cond_sub, r.word(2)), 4);
+    case MEM_OP_SADD:
+    case MEM_OP_NOR:
+    case MEM_OP_NOT:
+    case MEM_OP_XOR:
+    case MEM_OP_NAND:
+    case MEM_OP_AND:
+    case MEM_OP_XNOR:
+    case MEM_OP_OR: return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(2)), 4);
+    default: break;
+  }
+  r.breach("memory request with opcode " + std::to_string(opcode) + ", which nothing serves");
+}
+
+// Long TLU commands: address translation.
+void tlu_long_request(request& r) {
+  if (r.word(0) != TLU_CMD_TMU_LPA) {
+    r.breach("long TLU command " + std::to_string(r.word(0)) + ", which nothing serves");
+    return;
+  }
+  const paddr_t p = r.owner().memory().translate(r.word(1));
+  if (std::uint8_t* resp = r.response()) {
+    store_be(resp, 4, (p >> 32) & 0xFF);
+    store_be(resp + 4, 4, p & 0xFFFFFFFF);
+  }
+}
+
+// Cached and uncached TLU reads by virtual address: the request is the address.
+void tlu_read_request(request& r) {
+  const std::uint32_t size = 4u << ((r.cmd().resource - RES_TLU_READ_4B) & 3);
+  const paddr_t p = r.owner().memory().translate(r.word(0));
+  if (std::uint8_t* resp = r.response()) r.owner().memory().read(p, {resp, std::min(size, r.cmd().resp_bytes)});
+}
+
+// The FLB: packet end and next packet, flow-lock conversion.
+void flb_request(request& r) {
+  npu_thread& t = r.thread();
+  const dma_cmd& c = r.cmd();
+  const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && c.resp_loc == 0;
+  const std::uint32_t w0 = r.word(0);
+  if (!packet_end) {
+    if (w0 == FLB_CMD_FLOWLOCK_CONVERT || w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
+      std::uint8_t* resp = r.response();
+      if (resp && w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
+        r.owner().memory().read(physical(r.word(2), r.word(3)), {resp, std::min(16u, c.resp_bytes)});
+      }
+      return;
+    }
+    r.breach("FLB request " + std::to_string(w0) + ", which nothing serves");
+    return;
+  }
+  constexpr std::uint32_t FIRST_REQUEST = 0x20;
+  constexpr std::uint32_t FREE_EGRESS = 0x00000C14;
+  constexpr std::uint32_t FREE_INGRESS = 0x00000C15;
+  if (t.holds_packet) {
+    if (w0 == FREE_EGRESS || w0 == FREE_INGRESS) {
+      t.current.end = packet_end::freed;
+    } else {
+      r.breach("packet-ending request " + std::to_string(w0) + ", which nothing serves");
+    }
+    t.owner->finish_packet(t);
+  } else if (w0 != FIRST_REQUEST) {
+    r.breach("packet-ending request without a packet");
+  }
+  t.owner->wait_for_packet(t);
+}
+
+void unbuilt_handler_request(request& r) { r.owner().note_placeholder(r.thread(), static_cast<std::int32_t>(r.word(0))); }
+
+}  // namespace
+
+void execute_dma(npu_thread& t, std::uint32_t cmd) {
+  request r(t, decode(cmd));
+  const std::uint32_t res = r.cmd().resource;
+  if (res == RES_MEMORY) return memory_request(r);
+  if (res == RES_FLB) return flb_request(r);
+  if (res == RES_TLU_LONG || res == RES_TLU_DIV || res == RES_TLU_LONG_WRITE) return tlu_long_request(r);
+  if (res >= RES_TLU_READ_4B && res <= RES_TLU_READ_NC_32B) return tlu_read_request(r);
+  if (res == RES_TLU_INVALIDATE) {
+    r.response();
+    return;
+  }
+  if (res == RES_UNBUILT_HANDLER) return unbuilt_handler_request(r);
+  r.breach("request to resource " + std::to_string(res) + ", which nothing serves");
+}
+
+void execute_template(npu_thread& t, std::uint32_t table, std::uint32_t entry, std::uint32_t cmd,
+                      std::uint32_t req_cell, std::uint32_t res_cell) {
+  (void)req_cell;
+  (void)res_cell;
+  npu& n = *t.owner;
+  constexpr std::uint32_t GLOBAL_COUNTER_TEMPLATE = 10;
+  if (table == 0 && entry == GLOBAL_COUNTER_TEMPLATE) {
+    const std::uint32_t index = (cmd - GLOBAL_COUNTER_BASE) / 8;
+    n.stats().bump_global(index);
+    if (t.holds_packet) t.current.global_counters.push_back(index);
+    return;
+  }
+  n.breach(t, "request template " + std::to_string(table) + "/" + std::to_string(entry) +
+                  ", which nothing serves");
+}
+
+}  // namespace model

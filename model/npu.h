@@ -1,0 +1,133 @@
+// One software NPU: its table memory, statistics, registers, clock, threads
+// and the queue of packets waiting for a thread.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "clock.h"
+#include "packet_io.h"
+#include "stats_memory.h"
+#include "table_memory.h"
+
+namespace model {
+
+class chassis;
+class npu;
+
+inline constexpr std::uint32_t THREAD_DMEM_SIZE = 2048;
+inline constexpr std::uint32_t THREAD_SPILL_SIZE = 4096;
+inline constexpr std::uint32_t PKT_BUF_HEAD = 4096;
+inline constexpr std::uint32_t PKT_ARRIVAL_OFFSET = 160;
+inline constexpr std::uint32_t MAX_PACKET_BYTES = 16384;
+inline constexpr std::uint32_t PKT_BUF_SIZE = PKT_BUF_HEAD + PKT_ARRIVAL_OFFSET + MAX_PACKET_BYTES;
+
+// Thrown inside a blocking packet request to end a thread; the program never
+// catches it, so it unwinds to the thread's entry.
+struct thread_stop {};
+
+// One NPU thread: its own memories and the registers that hold thread state.
+struct npu_thread {
+  npu* owner = nullptr;
+  std::uint32_t index = 0;
+  std::uint32_t identity = 0;
+
+  alignas(64) std::array<std::uint8_t, THREAD_DMEM_SIZE> dmem{};
+  alignas(64) std::array<std::uint8_t, THREAD_SPILL_SIZE> spill{};
+  // Two packet buffers, used in turn, so that code which keeps the buffer
+  // address across packets instead of asking for it is caught.
+  std::array<std::vector<std::uint8_t>, 2> pkt_bufs;
+  std::uint32_t current_buf = 0;
+
+  std::array<std::uint32_t, 3> hash_inputs{};
+  std::mt19937 random;
+
+  // Packet held by the thread, and what it has done so far.
+  bool holds_packet = false;
+  std::uint32_t buf_queries_since_arrival = 0;
+  packet_outcome current;
+
+  std::thread host_thread;
+  bool waiting = false;  // blocked for a packet; guarded by the chassis mutex
+  // Work to run on this thread between packets (tests call program functions
+  // this way); guarded by the chassis mutex.
+  std::deque<std::function<void()>> tasks;
+
+  std::uint8_t* pkt_buf() { return pkt_bufs[current_buf].data(); }
+};
+
+struct npu_config {
+  std::uint32_t threads = 1;
+  std::uint64_t random_seed = 1;
+};
+
+class npu {
+ public:
+  npu(chassis& owner, std::uint32_t id, const npu_config& cfg);
+  npu(const npu&) = delete;
+  npu& operator=(const npu&) = delete;
+
+  std::uint32_t id() const { return id_; }
+  table_memory& memory() { return memory_; }
+  stats_memory& stats() { return stats_; }
+  npu_clock& clock() { return clock_; }
+
+  void set_global_config(std::uint32_t v) { global_config_ = v; }
+  void set_router_id(std::uint32_t v) { router_id_ = v; }
+  void set_drop_capture(std::uint32_t v) { drop_capture_ = v; }
+  std::uint32_t global_config() const { return global_config_; }
+  std::uint32_t router_id() const { return router_id_; }
+  std::uint32_t drop_capture() const { return drop_capture_; }
+
+  // Queues a packet for the next free thread; returns its arrival number.
+  std::uint64_t enqueue(arriving_packet pkt);
+  std::vector<packet_outcome> take_outcomes();
+  std::uint64_t placeholder_count(std::int32_t placeholder) const;
+  std::vector<std::string> log() const;
+  std::uint32_t monitor_calls(std::uint32_t counter) const;
+  // Runs fn on NPU thread `thread` while it waits for a packet, and returns
+  // when it has run. fn must not end a packet.
+  void run_on_thread(std::uint32_t thread, std::function<void()> fn);
+
+  // ---- used by the platform operations, on the NPU's own threads ----
+  npu_thread& thread(std::uint32_t i) { return *threads_[i]; }
+  std::uint32_t thread_count() const { return static_cast<std::uint32_t>(threads_.size()); }
+  void finish_packet(npu_thread& t);
+  void wait_for_packet(npu_thread& t);
+  void note_placeholder(npu_thread& t, std::int32_t placeholder);
+  void note_monitor(std::uint32_t counter);
+  void breach(npu_thread& t, const std::string& what);
+
+ private:
+  friend class chassis;
+  bool idle_locked() const;
+
+  chassis& chassis_;
+  std::uint32_t id_;
+  table_memory memory_;
+  stats_memory stats_;
+  npu_clock clock_;
+  std::atomic<std::uint32_t> global_config_{0};
+  std::atomic<std::uint32_t> router_id_{0};
+  std::atomic<std::uint32_t> drop_capture_{0};
+  std::vector<std::unique_ptr<npu_thread>> threads_;
+
+  // Guarded by the chassis mutex.
+  std::deque<std::pair<std::uint64_t, arriving_packet>> queue_;
+  std::uint64_t next_seq_ = 1;
+  std::vector<packet_outcome> outcomes_;
+  std::map<std::int32_t, std::uint64_t> placeholder_counts_;
+  std::map<std::uint32_t, std::uint32_t> monitor_calls_;
+  std::vector<std::string> log_;
+};
+
+}  // namespace model

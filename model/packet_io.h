@@ -1,0 +1,35 @@
+// What enters an NPU and what the model records about each packet's end.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace model {
+
+inline constexpr std::uint32_t DIST_HDR_BYTES = 32;
+
+struct arriving_packet {
+  std::array<std::uint8_t, DIST_HDR_BYTES> dist_hdr{};
+  std::vector<std::uint8_t> bytes;
+};
+
+enum class packet_end {
+  freed,            // the buffer was given back (drop, or a finished packet)
+  contract_breach,  // the program broke the platform contract; see note
+};
+
+const char* packet_end_name(packet_end end);
+
+struct packet_outcome {
+  std::uint64_t seq = 0;  // arrival number on its NPU, from 1
+  std::uint32_t npu = 0;
+  std::uint32_t thread = 0;
+  packet_end end = packet_end::freed;
+  std::int32_t placeholder = -1;               // unbuilt handler that ended it, if any
+  std::vector<std::uint32_t> global_counters;  // global counters bumped while the thread held it
+  std::string note;
+};
+
+}  // namespace model

@@ -1,0 +1,84 @@
+// The platform operations as the program sees them, served by the model.
+#include "platform_ops.h"
+
+#include <cstdio>
+
+#include "npu/zephra/main_loop.h"
+#include "power.h"
+
+namespace model {
+
+namespace {
+thread_local npu_thread* tls_thread = nullptr;
+}
+
+npu_thread& current_thread() { return *tls_thread; }
+
+void run_npu_thread(npu_thread& t) {
+  tls_thread = &t;
+  try {
+    power_fwcore_main();
+  } catch (const thread_stop&) {
+  }
+  tls_thread = nullptr;
+}
+
+}  // namespace model
+
+using model::current_thread;
+
+std::uint8_t* power_get_dmem_start_addr() { return current_thread().dmem.data(); }
+
+// The loop asks for the buffer once per packet; a second request for the same
+// packet means that a handler returned without ending it.
+std::uint8_t* power_get_pkt_buf_start_addr() {
+  model::npu_thread& t = current_thread();
+  if (t.holds_packet && ++t.buf_queries_since_arrival > 1) {
+    t.owner->breach(t, "a handler returned without ending its packet or asking for another pass");
+  }
+  return t.pkt_buf();
+}
+
+std::uint8_t* power_get_spill_start_addr() { return current_thread().spill.data(); }
+
+std::uint32_t power_rdc(std::uint32_t cop) {
+  model::npu_thread& t = current_thread();
+  model::npu& n = *t.owner;
+  switch (cop) {
+    case COP_THREAD_IDENTITY: return t.identity;
+    case COP_RANDOM: return static_cast<std::uint32_t>(t.random());
+    case COP_TIME_SECONDS: return n.clock().read_seconds();
+    case COP_TIME_LOW: return n.clock().read_low();
+    case COP_ROUTER_ID: return n.router_id();
+    case COP_GLOBAL_CONFIG: return n.global_config();
+    case COP_DROP_CAPTURE: return n.drop_capture();
+    default: break;
+  }
+  n.breach(t, "read of coprocessor register " + std::to_string(cop) + ", which nothing serves");
+  return 0;
+}
+
+void power_wdc(std::uint32_t data, std::uint32_t cop) {
+  model::npu_thread& t = current_thread();
+  switch (cop) {
+    case COP_HASH_A: t.hash_inputs[0] = data; return;
+    case COP_HASH_B: t.hash_inputs[1] = data; return;
+    case COP_HASH_C: t.hash_inputs[2] = data; return;
+    case COP_DMA_COMMAND: model::execute_dma(t, data); return;
+    default: break;
+  }
+  t.owner->breach(t, "write of coprocessor register " + std::to_string(cop) + ", which nothing serves");
+}
+
+void power_qrsc(std::uint32_t table, std::uint32_t entry, std::uint32_t cmd, std::uint32_t req_cell,
+                std::uint32_t res_cell) {
+  model::execute_template(current_thread(), table, entry, cmd, req_cell, res_cell);
+}
+
+// The model's requests see the thread's memory directly: nothing to flush.
+void power_gpmwbi() {}
+
+void* power_get_fh() { return stdout; }
+void* power_get_fp() { return stdout; }
+
+void np_counter_monitor_check(std::uint32_t counter_index) { current_thread().owner->note_monitor(counter_index); }

@@ -1,0 +1,52 @@
+// The two dispatch tables: ing_ep by the parser's vector for packets from a
+// line port, nph_ep by the fabric header type for packets from the fabric.
+#pragma once
+
+#include <cstdint>
+
+#include "fwc_types.h"
+
+using ing_fn_type = void (*)(env_t env, boolean_t global_feature_enabled);
+using nph_fn_type = void (*)(env_t env);
+
+struct ing_entry_point_t {
+  ing_fn_type entry_point[256];
+};
+
+struct nph_entry_point_t {
+  std::uint32_t pad[15];
+  nph_fn_type entry_point[64];
+};
+
+struct ing_handler_init_t {
+  std::uint8_t vector;
+  ing_fn_type handler;
+};
+
+struct nph_handler_init_t {
+  std::uint8_t nph_type;
+  nph_fn_type handler;
+};
+
+inline constexpr std::uint32_t ING_HANDLER_COUNT = 14;
+inline constexpr std::uint32_t NPH_HANDLER_COUNT = 26;
+inline constexpr std::uint32_t ING_MAX_WIRE_VECTOR = 12;
+
+extern ing_entry_point_t ing_ep;
+extern nph_entry_point_t nph_ep;
+extern const ing_handler_init_t ing_handlers[ING_HANDLER_COUNT];
+extern const nph_handler_init_t nph_handlers[NPH_HANDLER_COUNT];
+
+void init_ing_entry_points(env_t env);
+void init_nph_entry_points(env_t env);
+
+// The fabric header types fold onto the table's slots: types 7..34 move up
+// by 29, types 35..63 down by 28.
+constexpr std::uint32_t nph_type_to_ep_table_index(std::uint32_t nph_type) {
+  if (nph_type <= 6) return nph_type;
+  if (nph_type <= 34) return nph_type + 29;
+  return nph_type - 28;
+}
+
+void drop_packet_bad_nph_shim(env_t env);
+void plat_process_inject_shim(env_t env);

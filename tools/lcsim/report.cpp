@@ -1,0 +1,55 @@
+#include "report.h"
+
+#include <map>
+#include <string>
+
+#include "model/stats_memory.h"
+#include "platform/shared/unbuilt_handlers.h"
+
+namespace lcsim {
+
+namespace {
+
+std::string counter_text(std::uint32_t n) {
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "0x%X", n);
+  return buf;
+}
+
+std::string ending(const model::packet_outcome& o) {
+  std::string s;
+  if (o.placeholder >= 0) {
+    const char* name = unbuilt_handler_name(static_cast<std::uint32_t>(o.placeholder));
+    s += std::string("reached ") + (name ? name : "?") + " (not built yet), ";
+  }
+  if (o.end == model::packet_end::contract_breach) return s + "contract breach: " + o.note;
+  if (!o.global_counters.empty()) {
+    s += "dropped, counters";
+    for (std::uint32_t c : o.global_counters) s += " " + counter_text(c);
+    return s;
+  }
+  return s + model::packet_end_name(o.end);
+}
+
+}  // namespace
+
+void print_report(std::FILE* out, model::chassis& chassis, const std::vector<packet_result>& results) {
+  std::fprintf(out, "Packets\n");
+  for (const packet_result& r : results) {
+    std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq),
+                 r.outcome.npu, r.input->description.c_str(), ending(r.outcome).c_str());
+  }
+  std::fprintf(out, "Counters\n");
+  for (std::size_t n = 0; n < chassis.size(); ++n) {
+    std::map<std::uint32_t, std::uint64_t> moved;
+    for (std::uint32_t i = 0; i < model::GLOBAL_COUNTER_COUNT; ++i) {
+      if (std::uint64_t v = chassis.at(n).stats().global(i)) moved[i] = v;
+    }
+    for (const auto& [index, value] : moved) {
+      std::fprintf(out, "  npu %zu  global %-8s %llu\n", n, counter_text(index).c_str(),
+                   static_cast<unsigned long long>(value));
+    }
+  }
+}
+
+}  // namespace lcsim

@@ -1,0 +1,26 @@
+// A run of the tool: named packets for the NPUs of a chassis.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "model/packet_io.h"
+
+namespace lcsim {
+
+struct scenario_packet {
+  std::string description;
+  std::uint32_t npu = 0;
+  model::arriving_packet packet;
+};
+
+struct scenario {
+  std::uint32_t npus = 1;
+  std::vector<scenario_packet> packets;
+};
+
+// The scenario that runs when the tool is given no input.
+scenario default_scenario();
+
+}  // namespace lcsim
