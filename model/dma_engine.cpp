@@ -175,8 +175,8 @@ void flb_request(request& r) {
     return;
   }
   constexpr std::uint32_t FIRST_REQUEST = 0x20;
-  constexpr std::uint32_t FREE_EGRESS = 0x00000C14;
-  constexpr std::uint32_t FREE_INGRESS = 0x00000C15;
+  constexpr std::uint32_t FREE_INGRESS = 0x00000C14;
+  constexpr std::uint32_t FREE_EGRESS = 0x00000C15;
   if (t.holds_packet) {
     if (w0 == FREE_EGRESS || w0 == FREE_INGRESS) {
       t.current.end = packet_end::freed;

@@ -13,11 +13,13 @@ using cf = common_flags_st;
 using cf2 = common_flags2_st;
 
 constexpr std::uint32_t FREE_REQ_LOC = 0x20;
-constexpr std::uint32_t FREE_CMD_EGRESS = 0x00000C14;
-constexpr std::uint32_t FREE_CMD_INGRESS = 0x00000C15;
+// By the ingress bit (bit 7 of distribution byte 0): word 0 of the free
+// request, and the global counter of a traced packet's drop.
+constexpr std::uint32_t FREE_CMD_INGRESS = 0x00000C14;
+constexpr std::uint32_t FREE_CMD_EGRESS = 0x00000C15;
 constexpr std::uint32_t KEEP_REQ_LOC = 0x210;
-constexpr std::uint32_t TRACED_DROP_INGRESS = 100;
-constexpr std::uint32_t TRACED_DROP_EGRESS = 96;
+constexpr std::uint32_t TRACED_DROP_INGRESS = 96;
+constexpr std::uint32_t TRACED_DROP_EGRESS = 100;
 
 // Capture register fields.
 constexpr std::uint32_t CAPTURE_BY_REASON = 1u << 0;
