@@ -6,6 +6,7 @@
 
 #include "dma_defs.h"
 #include "platform_ops.h"
+#include "stats_engine.h"
 
 namespace model {
 
@@ -80,17 +81,21 @@ void respond_old_word(request& r, std::uint64_t old, unsigned width) {
   if (std::uint8_t* resp = r.response()) store_be(resp, width, old);
 }
 
-// Physical memory requests (resource 511).
-void memory_request(request& r) {
-  table_memory& mem = r.owner().memory();
-  const std::uint32_t w0 = r.word(0);
+// One operation of the memory controller: its operation word (word 0 of a
+// physical request, or the word that a long TLU command forwards), its
+// address, and the request word where its data or operand begins. Addresses
+// of statistics memory go to the statistics engine.
+void memory_op(request& r, std::uint32_t w0, paddr_t addr, std::uint32_t data_word) {
   const std::uint32_t opcode = w0 & 0xFF;
-  const paddr_t addr = physical(w0, r.word(1));
+  if (stats_memory::contains(addr)) {
+    return stats_memory_op(r.thread(), opcode, addr, r.word(data_word), r.response(), r.cmd().resp_bytes);
+  }
+  table_memory& mem = r.owner().memory();
   auto read_into_response = [&](std::size_t n) {
     if (std::uint8_t* resp = r.response()) mem.read(addr, {resp, std::min<std::size_t>(n, r.cmd().resp_bytes)});
   };
   auto write_from_request = [&](std::size_t n) {
-    mem.write(addr, {r.bytes_from(8), n});
+    mem.write(addr, {r.bytes_from(4 * data_word), n});
     r.response();
   };
   switch (opcode) {
@@ -117,13 +122,14 @@ void memory_request(request& r) {
     }
     case MEM_OP_INCR_4B: {
       // With a second command behind it, this is the increment with wrap.
-      if (r.cmd().req_bytes >= 24 && (r.word(2) & 0xFF) == MEM_OP_INCR_WRAP_PART2) {
-        return respond_old_word(r, mem.rmw(addr, 4, rmw_op::inc_wrap, r.word(4)), 4);
+      if (r.cmd().req_bytes >= 24 && (r.word(data_word) & 0xFF) == MEM_OP_INCR_WRAP_PART2) {
+        return respond_old_word(r, mem.rmw(addr, 4, rmw_op::inc_wrap, r.word(data_word + 2)), 4);
       }
       return respond_old_word(r, mem.rmw(addr, 4, rmw_op::add, 1), 4);
     }
     case MEM_OP_INCR_8B: return respond_old_word(r, mem.rmw(addr, 8, rmw_op::add, 1), 8);
-    case MEM_OP_CONDSUB_4B: return respond_old_word(r, mem.rmw(addr, 4, rmw_op::cond_sub, r.word(2)), 4);
+    case MEM_OP_CONDSUB_4B:
+      return respond_old_word(r, mem.rmw(addr, 4, rmw_op::cond_sub, r.word(data_word)), 4);
     case MEM_OP_SADD:
     case MEM_OP_NOR:
     case MEM_OP_NOT:
@@ -131,15 +137,23 @@ void memory_request(request& r) {
     case MEM_OP_NAND:
     case MEM_OP_AND:
     case MEM_OP_XNOR:
-    case MEM_OP_OR: return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(2)), 4);
+    case MEM_OP_OR: return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(data_word)), 4);
     default: break;
   }
   r.breach("memory request with opcode " + std::to_string(opcode) + ", which nothing serves");
 }
 
-// Long TLU commands: address translation.
+// Physical memory requests (resource 511).
+void memory_request(request& r) { memory_op(r, r.word(0), physical(r.word(0), r.word(1)), 2); }
+
+// Long TLU commands: address translation, and one memory operation (word 2)
+// forwarded to a virtual address (word 1) with its operand in word 3.
 void tlu_long_request(request& r) {
-  if (r.word(0) != TLU_CMD_TMU_LPA) {
+  const std::uint32_t w0 = r.word(0);
+  if (w0 == TLU_CMD_ERC2 || w0 == TLU_CMD_ERC3 || w0 == TLU_CMD_ERC4) {
+    return memory_op(r, r.word(2), r.owner().memory().translate(r.word(1)), 3);
+  }
+  if (w0 != TLU_CMD_TMU_LPA) {
     r.breach("long TLU command " + std::to_string(r.word(0)) + ", which nothing serves");
     return;
   }
@@ -150,10 +164,15 @@ void tlu_long_request(request& r) {
   }
 }
 
-// Cached and uncached TLU reads by virtual address: the request is the address.
+// Cached and uncached TLU reads: the request is the address, or a paged record.
 void tlu_read_request(request& r) {
   const std::uint32_t size = 4u << ((r.cmd().resource - RES_TLU_READ_4B) & 3);
-  const paddr_t p = r.owner().memory().translate(r.word(0));
+  const auto vaddr = r.owner().pages().address_of(r.word(0));
+  if (!vaddr) {
+    r.breach("TLU read through table page descriptor " + std::to_string(r.word(0) >> 26) + ", which is not set");
+    return;
+  }
+  const paddr_t p = r.owner().memory().translate(*vaddr);
   if (std::uint8_t* resp = r.response()) r.owner().memory().read(p, {resp, std::min(size, r.cmd().resp_bytes)});
 }
 
@@ -207,22 +226,6 @@ void execute_dma(npu_thread& t, std::uint32_t cmd) {
   }
   if (res == RES_UNBUILT_HANDLER) return unbuilt_handler_request(r);
   r.breach("request to resource " + std::to_string(res) + ", which nothing serves");
-}
-
-void execute_template(npu_thread& t, std::uint32_t table, std::uint32_t entry, std::uint32_t cmd,
-                      std::uint32_t req_cell, std::uint32_t res_cell) {
-  (void)req_cell;
-  (void)res_cell;
-  npu& n = *t.owner;
-  constexpr std::uint32_t GLOBAL_COUNTER_TEMPLATE = 10;
-  if (table == 0 && entry == GLOBAL_COUNTER_TEMPLATE) {
-    const std::uint32_t index = (cmd - GLOBAL_COUNTER_BASE) / 8;
-    n.stats().bump_global(index);
-    if (t.holds_packet) t.current.global_counters.push_back(index);
-    return;
-  }
-  n.breach(t, "request template " + std::to_string(table) + "/" + std::to_string(entry) +
-                  ", which nothing serves");
 }
 
 }  // namespace model

@@ -136,6 +136,7 @@ void npu::wait_for_packet(npu_thread& t) {
   if (len > 0) std::memcpy(t.pkt_buf() + PKT_BUF_HEAD + PKT_ARRIVAL_OFFSET, pkt.bytes.data(), len);
   t.holds_packet = true;
   t.buf_queries_since_arrival = 0;
+  t.lookups.clear();
   t.current = packet_outcome{};
   t.current.seq = next.first;
   t.current.npu = id_;

@@ -15,7 +15,9 @@
 #include <vector>
 
 #include "clock.h"
+#include "lookup_cells.h"
 #include "packet_io.h"
+#include "page_descriptors.h"
 #include "stats_memory.h"
 #include "table_memory.h"
 
@@ -34,6 +36,9 @@ inline constexpr std::uint32_t PKT_BUF_SIZE = PKT_BUF_HEAD + PKT_ARRIVAL_OFFSET 
 // Thrown inside a blocking packet request to end a thread; the program never
 // catches it, so it unwinds to the thread's entry.
 struct thread_stop {};
+// Thrown when the program traps: the thread's packet ends as a breach of the
+// contract and the thread starts over, as the NPU restarts a trapped thread.
+struct thread_trap {};
 
 // One NPU thread: its own memories and the registers that hold thread state.
 struct npu_thread {
@@ -55,6 +60,8 @@ struct npu_thread {
   bool holds_packet = false;
   std::uint32_t buf_queries_since_arrival = 0;
   packet_outcome current;
+  // Which lookup owns each request cell and result slot (debug builds).
+  lookup_cells lookups;
 
   std::thread host_thread;
   bool waiting = false;  // blocked for a packet; guarded by the chassis mutex
@@ -79,6 +86,7 @@ class npu {
   std::uint32_t id() const { return id_; }
   table_memory& memory() { return memory_; }
   stats_memory& stats() { return stats_; }
+  page_descriptors& pages() { return pages_; }
   npu_clock& clock() { return clock_; }
 
   void set_global_config(std::uint32_t v) { global_config_ = v; }
@@ -115,6 +123,7 @@ class npu {
   std::uint32_t id_;
   table_memory memory_;
   stats_memory stats_;
+  page_descriptors pages_;
   npu_clock clock_;
   std::atomic<std::uint32_t> global_config_{0};
   std::atomic<std::uint32_t> router_id_{0};

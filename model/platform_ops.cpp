@@ -14,11 +14,17 @@ thread_local npu_thread* tls_thread = nullptr;
 
 npu_thread& current_thread() { return *tls_thread; }
 
+// A trapped thread gives up its packet and starts over from its entry.
 void run_npu_thread(npu_thread& t) {
   tls_thread = &t;
-  try {
-    power_fwcore_main();
-  } catch (const thread_stop&) {
+  for (;;) {
+    try {
+      power_fwcore_main();
+    } catch (const thread_stop&) {
+      break;
+    } catch (const thread_trap&) {
+      t.owner->finish_packet(t);
+    }
   }
   tls_thread = nullptr;
 }
@@ -82,3 +88,27 @@ void* power_get_fh() { return stdout; }
 void* power_get_fp() { return stdout; }
 
 void np_counter_monitor_check(std::uint32_t counter_index) { current_thread().owner->note_monitor(counter_index); }
+
+// The breach stops a debug build at once; a release build logs it, and the
+// thread unwinds to its entry.
+void power_trap(const char* what) {
+  model::npu_thread& t = current_thread();
+  t.owner->breach(t, std::string("trap: ") + what);
+  throw model::thread_trap{};
+}
+
+void power_dbg_lookup_request(std::uint32_t lookup_id, const char* name, std::uint32_t req_loc, std::uint32_t req_size,
+                              std::uint32_t res_loc, std::uint32_t res_size) {
+  model::npu_thread& t = current_thread();
+  const std::string broke = t.lookups.request(lookup_id, name, req_loc, req_size, res_loc, res_size);
+  if (!broke.empty()) t.owner->breach(t, broke);
+}
+
+void power_dbg_lookup_result(std::uint32_t, const char* name, std::uint32_t owner_id,
+                             const char* owner_name, std::uint32_t res_loc, std::uint32_t res_size) {
+  model::npu_thread& t = current_thread();
+  const std::string broke = t.lookups.result(name, owner_id, owner_name, res_loc, res_size);
+  if (!broke.empty()) t.owner->breach(t, broke);
+}
+
+void power_dbg_lookup_new_pass() { current_thread().lookups.clear(); }

@@ -2,7 +2,7 @@
 
 #include "arch_tie.h"
 #include "dma_common.h"
-#include "lookup_early.h"
+#include "lookup.h"
 #include "npu/zephra/pkt_rx.h"
 #include "ps.h"
 #include "tail_proc.h"

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "dplane/infra/lookup_early.h"
+#include "dplane/infra/lookup.h"
 #include "npu/zephra/pkt_rx.h"
 #include "rx_dispatch.h"
 

@@ -1,7 +1,7 @@
 #include "rx_dispatch.h"
 
 #include "dplane/infra/drop.h"
-#include "dplane/infra/lookup_early.h"
+#include "dplane/infra/lookup.h"
 #include "fab_hdr.h"
 #include "global_config.h"
 #include "npu/zephra/pkt_rx.h"

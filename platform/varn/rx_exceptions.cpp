@@ -4,7 +4,7 @@
 
 #include "dplane/infra/drop.h"
 #include "dplane/infra/env_init.h"
-#include "dplane/infra/lookup_early.h"
+#include "dplane/infra/lookup.h"
 #include "npu/zephra/pkt_rx.h"
 #include "platform/shared/unbuilt_handlers.h"
 #include "platform/varn/entry_points.h"

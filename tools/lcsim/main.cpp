@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "ctrl/page_descriptors.h"
 #include "model/chassis.h"
 #include "report.h"
 #include "scenario.h"
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
 
   const lcsim::scenario sc = lcsim::default_scenario();
   model::chassis chassis(std::vector<model::npu_config>(sc.npus, model::npu_config{}));
+  for (std::size_t n = 0; n < chassis.size(); ++n) ctrl::install_page_descriptors(chassis.at(n));
   std::vector<std::uint64_t> seqs;
   for (const auto& p : sc.packets) seqs.push_back(chassis.at(p.npu).enqueue(p.packet));
   chassis.run_until_idle();

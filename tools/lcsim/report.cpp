@@ -3,18 +3,14 @@
 #include <map>
 #include <string>
 
+#include "ctrl/counters.h"
 #include "model/stats_memory.h"
+#include "names/counter_names.h"
 #include "platform/shared/unbuilt_handlers.h"
 
 namespace lcsim {
 
 namespace {
-
-std::string counter_text(std::uint32_t n) {
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "0x%X", n);
-  return buf;
-}
 
 std::string ending(const model::packet_outcome& o) {
   std::string s;
@@ -25,7 +21,7 @@ std::string ending(const model::packet_outcome& o) {
   if (o.end == model::packet_end::contract_breach) return s + "contract breach: " + o.note;
   if (!o.global_counters.empty()) {
     s += "dropped, counters";
-    for (std::uint32_t c : o.global_counters) s += " " + counter_text(c);
+    for (std::uint32_t c : o.global_counters) s += " " + names::counter_label(c);
     return s;
   }
   return s + model::packet_end_name(o.end);
@@ -43,10 +39,10 @@ void print_report(std::FILE* out, model::chassis& chassis, const std::vector<pac
   for (std::size_t n = 0; n < chassis.size(); ++n) {
     std::map<std::uint32_t, std::uint64_t> moved;
     for (std::uint32_t i = 0; i < model::GLOBAL_COUNTER_COUNT; ++i) {
-      if (std::uint64_t v = chassis.at(n).stats().global(i)) moved[i] = v;
+      if (std::uint64_t v = ctrl::read_global_counter(chassis.at(n), i)) moved[i] = v;
     }
     for (const auto& [index, value] : moved) {
-      std::fprintf(out, "  npu %zu  global %-8s %llu\n", n, counter_text(index).c_str(),
+      std::fprintf(out, "  npu %zu  global %-48s %llu\n", n, names::counter_label(index).c_str(),
                    static_cast<unsigned long long>(value));
     }
   }

@@ -90,6 +90,12 @@ constexpr std::uint32_t rtt_index(std::uint32_t table, std::uint32_t entry) { re
 
 // Long TLU command: translate a virtual table-memory address.
 inline constexpr std::uint32_t TLU_CMD_TMU_LPA = 0x00000A00;
+// Long TLU commands that forward one memory operation (word 2, as word 0 of a
+// physical request) to a virtual address (word 1); the 3- and 4-form carry
+// an operand in word 3.
+inline constexpr std::uint32_t TLU_CMD_ERC2 = 0x00000C00;
+inline constexpr std::uint32_t TLU_CMD_ERC3 = 0x00000D00;
+inline constexpr std::uint32_t TLU_CMD_ERC4 = 0x00000E00;
 // Flow-lock conversion requests to the FLB.
 inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT = 0x00000810;
 inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT_READ16 = 0x00000916;

@@ -16,6 +16,19 @@ void power_gpmwbi();
 void* power_get_fh();
 void* power_get_fp();
 void np_counter_monitor_check(std::uint32_t counter_index);
+// The thread meets a state it cannot go on from; the platform stops it.
+[[noreturn]] void power_trap(const char* what);
+
+// Debug builds of the program name the lookup behind each request and each
+// result read, so that a software platform can stop a result read through
+// the wrong lookup or a live cell reused. Locations are data memory offsets;
+// the names live as long as the process.
+void power_dbg_lookup_request(std::uint32_t lookup_id, const char* name, std::uint32_t req_loc,
+                              std::uint32_t req_size, std::uint32_t res_loc, std::uint32_t res_size);
+void power_dbg_lookup_result(std::uint32_t lookup_id, const char* name, std::uint32_t owner_id,
+                             const char* owner_name, std::uint32_t res_loc, std::uint32_t res_size);
+// A new pass over the packet: no slot holds a result any more.
+void power_dbg_lookup_new_pass();
 
 // Coprocessor registers.
 inline constexpr std::uint32_t COP_THREAD_IDENTITY = 0;

@@ -1,0 +1,158 @@
+// The request templates behind power_qrsc. The command word is word 0 of the
+// request; the rest of the request stands in the request cell behind it.
+//
+//   table 0 entry 0       hash bucket: 16 bytes at cmd + (num mod denom) * 16
+//   table 0 entries 1-4   TLU read of 8, 16, 32, 4 bytes; entries 6, 7: 16, 32
+//                         bytes without cache allocation. The command is an
+//                         address, or with bit 1 set a paged record
+//   table 0 entry 8       statistics pair: one packet, the count at byte 8
+//   table 0 entry 9       4-byte increment of the counter at physical cmd
+//   table 0 entry 10      global counter
+//   table 1 entries 8, 9  paged read of the record num mod denom after
+//                         record_index: remainder block, then 16 or 32 bytes
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "dma_defs.h"
+#include "platform_ops.h"
+#include "stats_engine.h"
+
+namespace model {
+
+namespace {
+
+constexpr std::uint32_t DMA_REACH = 1024;
+constexpr std::uint32_t CELL_BYTES = 16;
+constexpr std::uint32_t RESPONSE_UNIT = 8;
+constexpr std::uint32_t MOD_HEADER_BYTES = 16;
+constexpr std::uint32_t BUCKET_BYTES = 16;
+
+std::uint32_t load_be32(const std::uint8_t* p) {
+  return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
+}
+
+void store_be32(std::uint8_t* p, std::uint32_t v) {
+  for (int i = 3; i >= 0; --i) {
+    p[i] = static_cast<std::uint8_t>(v);
+    v >>= 8;
+  }
+}
+
+std::string hex(std::uint32_t v) {
+  char buf[16];
+  std::snprintf(buf, sizeof buf, "0x%X", v);
+  return buf;
+}
+
+class template_request {
+ public:
+  template_request(npu_thread& t, std::uint32_t table, std::uint32_t entry, std::uint32_t cmd, std::uint32_t req_cell,
+                   std::uint32_t res_cell)
+      : t_(t), table_(table), entry_(entry), cmd_(cmd), req_(req_cell * CELL_BYTES), res_(res_cell * CELL_BYTES) {}
+
+  std::uint32_t cmd() const { return cmd_; }
+  // Word i of the request; word 0 is the command itself.
+  std::uint32_t word(std::uint32_t i) const { return load_be32(t_.dmem.data() + req_ + 4 * i); }
+  // The response area of `bytes` bytes in whole units, cleared; null after a
+  // breach if it does not fit where DMA reaches.
+  std::uint8_t* response(std::uint32_t bytes) {
+    const std::uint32_t whole = (bytes + RESPONSE_UNIT - 1) / RESPONSE_UNIT * RESPONSE_UNIT;
+    if (res_ + whole > DMA_REACH) {
+      breach("response of " + std::to_string(whole) + " bytes at " + hex(res_) + " passes the first 1024 bytes");
+      return nullptr;
+    }
+    std::memset(t_.dmem.data() + res_, 0, whole);
+    return t_.dmem.data() + res_;
+  }
+  npu_thread& thread() { return t_; }
+  npu& owner() { return *t_.owner; }
+  void breach(const std::string& what) {
+    owner().breach(t_, "request template " + std::to_string(table_) + "/" + std::to_string(entry_) + ": " + what);
+  }
+
+ private:
+  npu_thread& t_;
+  std::uint32_t table_;
+  std::uint32_t entry_;
+  std::uint32_t cmd_;
+  std::uint32_t req_;
+  std::uint32_t res_;
+};
+
+void no_descriptor(template_request& r, std::uint32_t word) {
+  r.breach("paged read through table page descriptor " + std::to_string(word >> 26) + ", which is not set");
+}
+
+void read_into(template_request& r, std::uint32_t vaddr, std::uint8_t* out, std::uint32_t bytes) {
+  table_memory& mem = r.owner().memory();
+  mem.read(mem.translate(vaddr), {out, bytes});
+}
+
+void tlu_read(template_request& r, std::uint32_t bytes) {
+  const auto vaddr = r.owner().pages().address_of(r.cmd());
+  if (!vaddr) return no_descriptor(r, r.cmd());
+  if (std::uint8_t* resp = r.response(bytes)) read_into(r, *vaddr, resp, bytes);
+}
+
+// The numerator and denominator stand at bytes 12 and 8 of the request.
+struct modulus {
+  std::uint32_t rem;
+  std::uint32_t quot;
+};
+std::optional<modulus> modulus_of(template_request& r) {
+  const std::uint32_t denom = r.word(2);
+  const std::uint32_t num = r.word(3);
+  if (denom == 0) {
+    r.breach("read with modulus by a denominator of 0");
+    return std::nullopt;
+  }
+  return modulus{num % denom, num / denom};
+}
+
+void mod_read(template_request& r, std::uint32_t record_bytes) {
+  const auto m = modulus_of(r);
+  if (!m) return;
+  const std::uint32_t record = ((r.cmd() >> 2) & page_descriptors::RECORD_MASK) + m->rem;
+  const auto vaddr = r.owner().pages().record_address(r.cmd() >> 26, record);
+  if (!vaddr) return no_descriptor(r, r.cmd());
+  std::uint8_t* resp = r.response(MOD_HEADER_BYTES + record_bytes);
+  if (!resp) return;
+  store_be32(resp, m->rem);
+  store_be32(resp + 4, m->quot);
+  read_into(r, *vaddr, resp + MOD_HEADER_BYTES, record_bytes);
+}
+
+void bucket_read(template_request& r) {
+  const auto m = modulus_of(r);
+  if (!m) return;
+  if (std::uint8_t* resp = r.response(BUCKET_BYTES)) read_into(r, r.cmd() + m->rem * BUCKET_BYTES, resp, BUCKET_BYTES);
+}
+
+void counter_increment(template_request& r) { r.owner().memory().rmw(r.cmd(), 4, rmw_op::add, 1); }
+
+}  // namespace
+
+void execute_template(npu_thread& t, std::uint32_t table, std::uint32_t entry, std::uint32_t cmd,
+                      std::uint32_t req_cell, std::uint32_t res_cell) {
+  template_request r(t, table, entry, cmd, req_cell, res_cell);
+  switch (rtt_index(table, entry)) {
+    case rtt_index(0, 0): return bucket_read(r);
+    case rtt_index(0, 1): return tlu_read(r, 8);
+    case rtt_index(0, 2):
+    case rtt_index(0, 6): return tlu_read(r, 16);
+    case rtt_index(0, 3):
+    case rtt_index(0, 7): return tlu_read(r, 32);
+    case rtt_index(0, 4): return tlu_read(r, 4);
+    case rtt_index(0, 8): return stats_add(t, cmd, r.word(2));
+    case rtt_index(0, 9): return counter_increment(r);
+    case rtt_index(0, 10): return stats_count_global(t, cmd);
+    case rtt_index(1, 8): return mod_read(r, 16);
+    case rtt_index(1, 9): return mod_read(r, 32);
+    default: break;
+  }
+  r.breach("nothing serves it");
+}
+
+}  // namespace model

@@ -1,0 +1,83 @@
+#include "stats_engine.h"
+
+#include <cstdio>
+#include <string>
+
+#include "dma_defs.h"
+
+namespace model {
+
+namespace {
+
+std::string hex(paddr_t v) {
+  char buf[24];
+  std::snprintf(buf, sizeof buf, "0x%llX", static_cast<unsigned long long>(v));
+  return buf;
+}
+
+void store_be(std::uint8_t* p, unsigned width, std::uint64_t v) {
+  for (unsigned i = width; i-- > 0;) {
+    p[i] = static_cast<std::uint8_t>(v);
+    v >>= 8;
+  }
+}
+
+// Global counters bumped while a thread holds a packet go on its outcome.
+void bump(npu_thread& t, std::uint32_t index) {
+  t.owner->stats().bump_global(index);
+  if (t.holds_packet) t.current.global_counters.push_back(index);
+}
+
+void respond(std::uint8_t* resp, std::uint32_t resp_bytes, const stats_entry& e) {
+  if (!resp || resp_bytes < 8) return;
+  store_be(resp, 4, e.packets & 0xFFFFFFFF);
+  store_be(resp + 4, 4, e.bytes & 0xFFFFFFFF);
+}
+
+void respond(std::uint8_t* resp, std::uint32_t resp_bytes, std::uint64_t count) {
+  if (resp && resp_bytes >= 8) store_be(resp, 8, count);
+}
+
+}  // namespace
+
+void stats_count_global(npu_thread& t, std::uint32_t address) {
+  const auto index = stats_memory::global_index_at(address);
+  if (!index) return t.owner->breach(t, "global counter request at " + hex(address) + ", which names no counter");
+  bump(t, *index);
+}
+
+void stats_add(npu_thread& t, std::uint32_t address, std::uint32_t bytes) {
+  const auto index = stats_memory::entry_index_at(address);
+  if (!index) return t.owner->breach(t, "statistics request at " + hex(address) + ", which names no entry");
+  t.owner->stats().add(*index, bytes);
+}
+
+void stats_memory_op(npu_thread& t, std::uint32_t opcode, paddr_t addr, std::uint32_t operand, std::uint8_t* resp,
+                     std::uint32_t resp_bytes) {
+  stats_memory& mem = t.owner->stats();
+  const auto global = stats_memory::global_index_at(addr);
+  const auto entry = stats_memory::entry_index_at(addr);
+  if (!global && !entry) {
+    return t.owner->breach(t, "memory request at " + hex(addr) + " inside statistics memory but on no counter");
+  }
+  switch (opcode) {
+    case MEM_OP_INCR_4B:
+    case MEM_OP_INCR_8B:
+      if (global) return bump(t, *global);
+      return mem.add(*entry, 0);
+    case MEM_OP_ADD_INCR_8B:
+      if (global) return bump(t, *global);
+      return mem.add(*entry, operand);
+    case MEM_OP_READ_8B:
+      if (global) return respond(resp, resp_bytes, mem.global(*global));
+      return respond(resp, resp_bytes, mem.entry(*entry));
+    case MEM_OP_READ_CLR_8B:
+      if (global) return respond(resp, resp_bytes, mem.read_clear_global(*global));
+      return respond(resp, resp_bytes, mem.read_clear(*entry));
+    default: break;
+  }
+  t.owner->breach(t, "memory opcode " + hex(opcode) + " on statistics memory at " + hex(addr) +
+                         ", which the statistics engine does not serve");
+}
+
+}  // namespace model

@@ -1,0 +1,107 @@
+// The lookup catalogue as the generator reads it from its three descriptions:
+// identifiers.txt (every identifier, base names by engine), tables.txt (where
+// each table stands) and lookups.txt (one row per lookup that a path uses).
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace gen {
+
+// The code shapes the generator writes. An engine without one has no rows yet.
+enum class form {
+  none,
+  read,                         // one-word template request: the address
+  mod_read,                     // paged read of the record chosen by num mod denom
+  glb_cnt,                      // global counter increment, then the monitor hook
+  stats_add_inc,                // statistics pair: one packet, `count` bytes
+  stats_add_inc_split,          // the same, the count stored earlier by lookup_alloc
+  stats_uidb_add_inc,           // entry stat_base + stat_index
+  stats_uidb_add_inc_split,     // the same, the count stored earlier
+  stats_uidb_add_inc_twin,      // two entries of one block from one cell
+  stats_inc_dyn_pool_cnt,       // one packet, no bytes, at stat_index + offset
+  stats_read_clr_dyn_pool_cnt,  // physical read-and-clear of an entry
+  view,                         // no request: a typed window on a slot
+};
+
+struct engine {
+  form code = form::none;
+  int table = -1;  // request template, or -1
+  int entry = -1;
+  int resource = -1;          // DMA resource, or -1
+  std::uint32_t response = 0; // response bytes
+};
+
+enum class addr_kind { paged, direct, global_block };
+
+struct table_address {
+  addr_kind kind = addr_kind::direct;
+  std::uint32_t tpd = 0;     // paged
+  std::uint32_t record_bytes = 0;  // paged: record size of the page
+  std::uint32_t base = 0;    // direct: table base; global block: area base
+  std::uint32_t stride = 0;  // direct: record stride; global block: block size
+  std::uint32_t block = 0;   // global block number
+};
+
+struct source_pos {
+  std::string file;
+  int line = 0;
+};
+
+struct identifiers {
+  std::vector<std::string> names;            // order of lookup_id_e, without ID_
+  std::map<std::string, std::size_t> engine_of;  // base name -> index in engines
+  std::vector<engine> engines;
+  std::set<std::string> hash_ids;            // family + suffix
+  std::set<std::string> tags;
+  std::set<std::string> protected_tables;
+};
+
+// One row of lookups.txt, as written.
+struct row {
+  source_pos pos;
+  std::string id;  // without ID_
+  std::string base;
+  std::string tag;
+  std::optional<std::uint32_t> slot;
+  std::optional<std::uint32_t> cell;
+  std::string type;   // result type
+  std::string calls;  // hand-written function behind the request
+  std::string view;   // lookup whose slot this view reads
+  std::vector<std::string> live;  // live groups; "all" = every group
+};
+
+struct catalogue {
+  identifiers ids;
+  std::map<std::string, table_address> tables;
+  std::vector<row> rows;
+};
+
+// A row with everything the generator derives for it.
+struct lookup {
+  const row* r = nullptr;
+  const engine* eng = nullptr;
+  const table_address* addr = nullptr;
+  std::uint32_t cell = 0;
+  std::uint32_t cell_bytes = 0;  // request bytes the engine takes from the cell
+  std::uint32_t slot = 0;
+  std::uint32_t slot_bytes = 0;  // 0: no result
+  bool is_protected = false;
+  std::uint32_t record_offset = 0;  // where the protected record begins in the slot
+  const lookup* parent = nullptr;   // the lookup whose slot a view reads
+  bool has_alloc = false;           // exposes its request cell
+  bool has_result() const { return !r->type.empty(); }
+  form code() const { return r->calls.empty() ? eng->code : form::none; }
+};
+
+using errors = std::vector<std::string>;
+
+// Data memory that requests and results can reach.
+inline constexpr std::uint32_t DMA_REACH = 1024;
+inline constexpr std::uint32_t CELL = 16;
+
+}  // namespace gen

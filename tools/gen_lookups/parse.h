@@ -1,0 +1,15 @@
+// Reading the three descriptions. Each parser adds what it reads to the
+// catalogue and appends one message per fault, "file:line: what".
+#pragma once
+
+#include <string_view>
+
+#include "catalogue.h"
+
+namespace gen {
+
+void parse_identifiers(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
+void parse_tables(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
+void parse_lookups(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
+
+}  // namespace gen
