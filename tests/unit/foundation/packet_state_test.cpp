@@ -1,0 +1,172 @@
+// The thread context: start of a thread, the packet handshake, the
+// per-packet and per-pass reset, and the global configuration copy.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "arch_tie.h"
+#include "dplane/infra/env_init.h"
+#include "foundation_test_util.h"
+
+namespace {
+
+using namespace ft;
+
+TEST(PacketLoop, ThreadTakesPacketsOneAfterAnotherInArrivalOrder) {
+  testkit::npu_harness h;
+  h.send(dist_hdr::line(0));
+  h.send(dist_hdr::fabric(), std::vector<std::uint8_t>(32, 0));
+  h.send(dist_hdr::line(4));
+  const auto out = h.run();
+  ASSERT_EQ(out.size(), 3u);
+  const char* handlers[] = {"ipv4_ing_perf", "", "mpls_ing_perf"};
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    EXPECT_EQ(out[i].seq, i + 1);
+    EXPECT_EQ(out[i].end, model::packet_end::freed);
+    EXPECT_EQ(reached(out[i]), handlers[i]);
+  }
+}
+
+TEST(PacketLoop, EveryPacketStartsWithAFreshState) {
+  testkit::npu_harness h;
+  std::vector<std::uint8_t*> buffers;
+  for (std::uint16_t len : {100, 1234}) {
+    SCOPED_TRACE("length " + std::to_string(len));
+    h.on_thread([](env_t env) {
+      std::memset(ps_put_mod_common_flags(env), 0xFF, sizeof(common_flags_st));
+      std::memset(ps_put_mod_common_flags2(env), 0xFF, sizeof(common_flags2_st));
+      ps_put_mod_inject_flags(env)->bits = 0xFF;
+      *ps_put_mod_vrf_id(env) = 0xFFFFFFFF;
+      *ps_put_mod_hw_np_port(env) = 7;
+      *ps_put_mod_pkt_start(env) = nullptr;
+    });
+    const std::vector<std::uint8_t> frame = {1, 2, 3, 4, 5, 6, 7, 8};
+    EXPECT_EQ(reached(h.one(dist_hdr::line(0).set<dh::pktlen>(len), frame)), "ipv4_ing_perf");
+    h.on_thread([&](env_t env) {
+      const std::uint8_t zeros[8] = {};
+      EXPECT_EQ(std::memcmp(ps_get_common_flags(env), zeros, 8), 0);
+      EXPECT_EQ(std::memcmp(ps_get_common_flags2(env), zeros, 4), 0);
+      EXPECT_EQ(ps_get_inject_flags(env)->bits, 0);
+      EXPECT_EQ(*ps_get_vrf_id(env), 0u);
+      EXPECT_EQ(*ps_get_hw_np_port(env), 255);
+      EXPECT_EQ(*ps_get_curr_pkt_len(env), len);
+      // Packet memory follows the buffer the platform gave for this packet.
+      EXPECT_EQ(*ps_get_pkt_mem_start(env), get_gpb_start_addr() + 4096);
+      EXPECT_EQ(*ps_get_pkt_start(env), *ps_get_pkt_mem_start(env) + 160);
+      EXPECT_EQ(std::memcmp(*ps_get_pkt_start(env), frame.data(), frame.size()), 0);
+      buffers.push_back(*ps_get_pkt_mem_start(env));
+    });
+  }
+  EXPECT_NE(buffers[0], buffers[1]);  // the model hands out its two buffers in turn
+}
+
+// The registers are read when a packet-ending request returns with the next
+// packet; the first request of a thread is not such a request.
+std::pair<std::uint32_t, std::uint32_t> config_copy(testkit::npu_harness& h) {
+  std::pair<std::uint32_t, std::uint32_t> v;
+  h.on_thread([&](env_t env) { v = {*ps_get_global_uidb_reg(env), *ps_get_global_uidb_reg_router_id(env)}; });
+  return v;
+}
+
+TEST(GlobalConfig, RegisterIsTakenUpAtAPacketBoundary) {
+  testkit::npu_harness h;
+  h.one(dist_hdr::line(0));
+  h.npu().set_global_config(0x28);
+  h.npu().set_router_id(77);
+  EXPECT_EQ(config_copy(h), std::make_pair(0u, 0u));
+  h.one(dist_hdr::line(0));
+  EXPECT_EQ(config_copy(h), std::make_pair(0x28u, 77u));
+}
+
+TEST(GlobalConfig, RouterIdTravelsOnlyWithAChangedConfiguration) {
+  testkit::npu_harness h;
+  h.one(dist_hdr::line(0));
+  h.npu().set_router_id(5);
+  h.one(dist_hdr::line(0));
+  EXPECT_EQ(config_copy(h), std::make_pair(0u, 0u));
+  h.npu().set_global_config(0x20);
+  h.one(dist_hdr::line(0));
+  EXPECT_EQ(config_copy(h), std::make_pair(0x20u, 5u));
+}
+
+// A further pass keeps exactly the flags of the keep table, by rx_tx_adj_pwhe.
+TEST(MultipassInit, KeepsExactlyTheFlagsOfTheKeepTable) {
+  struct row {
+    const char* name;
+    std::uint32_t flags2_before;
+    std::uint32_t word0, word1, flags2;
+  };
+  const row rows[] = {
+      {"rx_tx_adj_pwhe set", 0xFFFFFFFF, 0xA0C00012, 0x00000023, 0x00206407},
+      {"rx_tx_adj_pwhe clear", 0xFFFFFFFB, 0xA0400002, 0x00040003, 0x00200403},
+  };
+  testkit::npu_harness h;
+  for (const row& r : rows) {
+    SCOPED_TRACE(r.name);
+    h.on_thread([&](env_t env) {
+      std::memset(ps_put_mod_common_flags(env), 0xFF, sizeof(common_flags_st));
+      reinterpret_cast<be_u32*>(ps_put_mod_common_flags2(env))->set(r.flags2_before);
+      std::uint8_t* start = *ps_get_pkt_mem_start(env) + 200;
+      *ps_put_mod_pkt_start(env) = start;
+      ps_put_mod_inject_flags(env)->bits = 0x81;
+      *ps_put_mod_vrf_id(env) = 42;
+
+      internal_plat_per_packet_init(env, TRUE);
+
+      const std::uint8_t* f = ps_get_common_flags(env)->bytes;
+      EXPECT_EQ(word_at(f), r.word0);
+      EXPECT_EQ(word_at(f + 4), r.word1);
+      EXPECT_EQ(word_at(ps_get_common_flags2(env)->bytes), r.flags2);
+      EXPECT_EQ(*ps_get_pkt_start(env), start);
+      EXPECT_EQ(ps_get_inject_flags(env)->bits, 0x81);
+      EXPECT_EQ(*ps_get_vrf_id(env), 42u);
+    });
+  }
+}
+
+// What a thread derives from its identity word at start.
+TEST(ThreadStart, IdentityDerivedFields) {
+  struct row {
+    std::uint32_t identity;
+    std::uint32_t stats_rep_offset;
+    std::uint32_t tlu_policy;
+    std::uint32_t stack_top;
+  };
+  const row rows[] = {
+      {0, 0, 0x02000000, 0x4450000},      {1, 0x4004, 0x02000000, 0x4450000},
+      {2, 0x8008, 0x02000000, 0x4450000}, {3, 0xC00C, 0x02000000, 0x4450000},
+      {4, 0, 0x02000000, 0x4450000},      {8, 0, 0x02000000, 0x444F140},
+      {16, 0, 0, 0x444E280},              {0x50, 0, 0, 0x4446C80},
+      {0x80, 0, 0x02000000, 0x444FFE0},   {0x9B, 0xC00C, 0x02000000, 0x444D3A0},
+      {0x10010, 0, 0, 0x444E280},
+  };
+  testkit::npu_harness h;
+  for (const row& r : rows) {
+    SCOPED_TRACE("identity " + std::to_string(r.identity));
+    h.on_thread([&](env_t env) {
+      h.npu().thread(0).identity = r.identity;
+      env_ps_initialize(env);
+      EXPECT_EQ(*ps_get_stats_rep_offset(env), r.stats_rep_offset);
+      EXPECT_EQ(*ps_get_tlu_alloc_policy_for_read(env), r.tlu_policy);
+      EXPECT_EQ(*ps_get_thread_stack_top(env), r.stack_top);
+      EXPECT_EQ(npu_get_thread_id(env), r.identity & 0xFFFF);
+    });
+  }
+}
+
+TEST(ThreadStart, EachThreadOfAnNpuHasItsOwnReplicaAndMemories) {
+  const std::uint32_t offsets[] = {0, 0x4004, 0x8008, 0xC00C, 0};
+  testkit::npu_harness h(1, 5);
+  for (std::uint32_t i = 0; i < 5; ++i) {
+    SCOPED_TRACE("thread " + std::to_string(i));
+    h.on_thread(
+        [&](env_t env) {
+          EXPECT_EQ(*ps_get_stats_rep_offset(env), offsets[i]);
+          EXPECT_EQ(*ps_get_thread_local_mem(env), h.npu().thread(i).spill.data());
+          EXPECT_EQ(env_get_dmem_start(env), h.npu().thread(i).dmem.data());
+        },
+        0, i);
+  }
+}
+
+}  // namespace
