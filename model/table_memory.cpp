@@ -104,8 +104,10 @@ std::uint64_t apply(rmw_op op, std::uint64_t old, std::uint64_t operand, std::ui
 
 }  // namespace
 
+// The memory controller works on naturally aligned words: the low address
+// bits below the word size are ignored, so a word never straddles a page.
 std::uint64_t table_memory::rmw(paddr_t addr, unsigned width, rmw_op op, std::uint64_t operand) {
-  const paddr_t a = addr & PADDR_MASK;
+  const paddr_t a = addr & PADDR_MASK & ~paddr_t{width - 1};
   const std::size_t in_page = static_cast<std::size_t>(a & (PAGE_SIZE - 1));
   page& p = get_page(a >> PAGE_BITS);
   std::lock_guard lock(p.mutex);

@@ -37,8 +37,8 @@ class table_memory {
   // Reads and clears `out.size()` bytes in one step.
   void read_clear(paddr_t addr, std::span<std::uint8_t> out);
 
-  // One indivisible read-modify-write of the big-endian word of `width` bytes
-  // (4 or 8) at addr; returns the old value. For cond_sub the word is reduced
+  // One indivisible read-modify-write of the naturally aligned big-endian word
+  // of `width` bytes (4 or 8) holding addr; returns the old value. For cond_sub the word is reduced
   // by `operand` only if it holds at least that much; for inc_wrap it is
   // incremented and restarts at 0 when it reaches `operand`.
   std::uint64_t rmw(paddr_t addr, unsigned width, rmw_op op, std::uint64_t operand);
