@@ -127,6 +127,51 @@ struct be_bits {
   }
 };
 
+// The same field seen from a record that holds the field's record Offset
+// bytes in: one description serves a header alone and the header it sits in.
+template <class F, std::size_t Offset>
+using be_bits_at = be_bits<F::first_byte + Offset, F::first_bit, F::width>;
+
+// A field of Bytes whole bytes at byte Byte, stored least significant byte
+// first (the few byte-reversed fields of the fabric header).
+template <std::size_t Byte, std::size_t Bytes>
+struct le_bytes {
+  static_assert(Bytes >= 1 && Bytes <= 4, "little-endian fields are at most 4 bytes wide");
+  static constexpr std::size_t first_byte = Byte;
+  static constexpr std::size_t end_byte = Byte + Bytes;
+
+  template <class R>
+  static std::uint32_t get(const R& rec) {
+    static_assert(std::is_trivially_copyable_v<R> && end_byte <= sizeof(R), "field lies outside the record");
+    return static_cast<std::uint32_t>(be_detail::load_le<Bytes>(reinterpret_cast<const std::uint8_t*>(&rec) + Byte));
+  }
+  template <class R>
+  static void set(R& rec, std::uint32_t v) {
+    static_assert(std::is_trivially_copyable_v<R> && end_byte <= sizeof(R), "field lies outside the record");
+    be_detail::store_le<Bytes>(reinterpret_cast<std::uint8_t*>(&rec) + Byte, v);
+  }
+};
+
+// A run of Bytes raw bytes at byte Byte (addresses, MAC addresses): the
+// field is the bytes themselves, in the order they stand.
+template <std::size_t Byte, std::size_t Bytes>
+struct be_byte_run {
+  static constexpr std::size_t first_byte = Byte;
+  static constexpr std::size_t size = Bytes;
+  static constexpr std::size_t end_byte = Byte + Bytes;
+
+  template <class R>
+  static const std::uint8_t* data(const R& rec) {
+    static_assert(std::is_trivially_copyable_v<R> && end_byte <= sizeof(R), "field lies outside the record");
+    return reinterpret_cast<const std::uint8_t*>(&rec) + Byte;
+  }
+  template <class R>
+  static std::uint8_t* data(R& rec) {
+    static_assert(std::is_trivially_copyable_v<R> && end_byte <= sizeof(R), "field lies outside the record");
+    return reinterpret_cast<std::uint8_t*>(&rec) + Byte;
+  }
+};
+
 // A bit of a 32-bit big-endian word at byte offset WordByte, by its bit number
 // counted from the least significant bit (the numbering of the flag tables).
 template <std::size_t WordByte, unsigned BitNo, unsigned Width = 1>
