@@ -48,7 +48,9 @@ std::string counter_label(std::uint32_t n) {
   char buf[16];
   std::snprintf(buf, sizeof buf, "0x%X", n);
   const char* d = counter_description(n);
-  return d ? std::string(buf) + " (" + d + ")" : std::string(buf);
+  std::string label(buf);
+  if (d) label.append(" (").append(d).append(")");
+  return label;
 }
 
 }  // namespace names

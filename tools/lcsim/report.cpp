@@ -21,7 +21,7 @@ std::string ending(const model::packet_outcome& o) {
   if (o.end == model::packet_end::contract_breach) return s + "contract breach: " + o.note;
   if (!o.global_counters.empty()) {
     s += "dropped, counters";
-    for (std::uint32_t c : o.global_counters) s += " " + names::counter_label(c);
+    for (std::uint32_t c : o.global_counters) s.append(" ").append(names::counter_label(c));
     return s;
   }
   return s + model::packet_end_name(o.end);

@@ -1,0 +1,78 @@
+// A small catalogue for the generator's tests: a few engines, tables and
+// tags, to which each test adds the rows it feeds the generator.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "parse.h"
+#include "resolve.h"
+
+namespace gen_test {
+
+inline constexpr const char* IDENTIFIERS = R"(
+[engine form=read template=0.3 response=32]
+UIDB_L3_ING TX_ADJ GLOBAL_PKT_TRACE EGR_PORT_PART1 REPNODE
+[engine form=read template=0.2 response=16]
+PORT_CONFIG_ING NHINDEX
+[engine form=mod_read template=1.9 response=48]
+L3_NRLDI_ING
+[engine form=glb_cnt template=0.10]
+STATS_INC_GLB_CNT
+[engine form=stats_add_inc template=0.8]
+STATS_ADD_INC
+[engine form=stats_add_inc_split template=0.8]
+STATS_ADD_INC_SPLIT
+[engine form=view]
+IP_LEAF_ING EGR_PORT_PART2
+[engine template=1.11]
+UC_DST_VPN_ING
+[engine resource=44]
+DROP_KEEP_PKT
+[hash_families]
+LPTS_HASH
+[hash_suffixes]
+MOD KEY
+[tags]
+COMM ING EGR DEBUG SAT L2 IPV4
+[locks]
+MAC_LOCK__MN TX_ADJ
+[protected]
+UIDB_L3_ING NHINDEX L3_NRLDI_ING EGR_PORT_PART1 EGR_PORT_PART2
+)";
+
+inline constexpr const char* TABLES = R"(
+[paged]
+0 32 UIDB_L3_ING
+3 16 NHINDEX
+7 32 L3_NRLDI_ING
+[direct]
+0x81540C00 16 PORT_CONFIG_ING
+0x40302020 32 EGR_PORT_PART1
+0x40500000 32 TX_ADJ
+[global_blocks base=0x40342020 stride=32]
+1 GLOBAL_PKT_TRACE
+)";
+
+// The catalogue with `rows` as lookups.txt, and what the generator says.
+struct generated {
+  gen::catalogue cat;
+  gen::errors errs;
+  std::vector<gen::lookup> lookups;
+};
+
+inline void generate(generated& g, const std::string& rows) {
+  gen::parse_identifiers(IDENTIFIERS, "identifiers.txt", g.cat, g.errs);
+  gen::parse_tables(TABLES, "tables.txt", g.cat, g.errs);
+  gen::parse_lookups(rows, "lookups.txt", g.cat, g.errs);
+  g.lookups = gen::resolve(g.cat, g.errs);
+}
+
+inline std::string joined(const gen::errors& errs) {
+  std::string all;
+  for (const std::string& e : errs) all += e + "\n";
+  return all;
+}
+
+}  // namespace gen_test

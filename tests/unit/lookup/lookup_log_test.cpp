@@ -1,0 +1,62 @@
+// The lookup log: header and result per entry in the thread's segment, the
+// first cells of data memory kept, and no entry past the segment's end.
+#include "lookup_test_util.h"
+
+namespace {
+
+using namespace lt;
+
+constexpr std::uint32_t LOG_BASE = 0x29E1CE40;
+constexpr std::uint32_t THREAD_STRIDE = 7296;
+constexpr std::uint32_t SEGMENT_UNITS = 1792 / 32;
+
+// The segment offset is the debugger's to set; the test starts it at 0.
+void start_log(env_t env) { ps_put_def_thread_lookup_trace(env)->bits = 0; }
+
+std::uint32_t segment_offset(env_t env) {
+  return thread_lookup_trace_st::segment_offset::get(*ps_get_thread_lookup_trace(env));
+}
+
+TEST(LookupLog, EntryIsAHeaderAndTheResultInTheThreadsSegment) {
+  testkit::npu_harness h(1, 2);
+  const std::uint32_t segment = LOG_BASE + 1 * THREAD_STRIDE;
+  std::array<std::uint8_t, 48> head_before{};
+  std::array<std::uint8_t, 48> head_after{};
+  h.on_thread(
+      [&](env_t env) {
+        start_log(env);
+        std::uint8_t* dmem = env_get_dmem_start(env);
+        for (std::uint32_t i = 0; i < 64; ++i) dmem[0x20 + i] = static_cast<std::uint8_t>(i);
+        std::memcpy(head_before.data(), dmem, head_before.size());
+        // A result under the request cell is logged as it stood.
+        log_lookup_result(env, ID_GLOBAL_PKT_TRACE, "ID_GLOBAL_PKT_TRACE", 0x20, 40);
+        std::memcpy(head_after.data(), dmem, head_after.size());
+        EXPECT_EQ(segment_offset(env), 3u);
+      },
+      0, 1);
+  EXPECT_EQ(head_after, head_before);
+  std::array<std::uint8_t, 96> entry{};
+  h.npu().memory().read(segment, entry);
+  EXPECT_EQ(entry[0], 0x00);
+  EXPECT_EQ(entry[1], 0x20);  // dmem_resp_offset
+  EXPECT_EQ(entry[3], 40);    // record_size
+  EXPECT_EQ(entry[7], static_cast<std::uint8_t>(ID_GLOBAL_PKT_TRACE));
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(&entry[8]), 19), "ID_GLOBAL_PKT_TRACE");
+  for (std::uint32_t i = 0; i < 40; ++i) EXPECT_EQ(entry[32 + i], i) << i;
+  for (std::uint32_t i = 40; i < 64; ++i) EXPECT_EQ(entry[32 + i], 0) << i;
+}
+
+TEST(LookupLog, EntryPastTheSegmentEndIsLeftOut) {
+  testkit::npu_harness h;
+  h.on_thread([&](env_t env) {
+    start_log(env);
+    for (std::uint32_t i = 0; i < SEGMENT_UNITS / 2; ++i) log_lookup_result(env, ID_UIDB_L3_ING__COMM, "x", 0x140, 32);
+    EXPECT_EQ(segment_offset(env), SEGMENT_UNITS);
+    log_lookup_result(env, ID_UIDB_L3_ING__COMM, "x", 0x140, 32);
+    EXPECT_EQ(segment_offset(env), SEGMENT_UNITS);
+  });
+  EXPECT_EQ(h.npu().memory().read_u32(LOG_BASE + (SEGMENT_UNITS - 2) * 32), 0x01400020u);
+  EXPECT_EQ(h.npu().memory().read_u32(LOG_BASE + SEGMENT_UNITS * 32), 0u);
+}
+
+}  // namespace

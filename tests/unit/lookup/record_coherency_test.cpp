@@ -1,0 +1,121 @@
+// Protected records read while the control plane changes them: the forward
+// state sends the reader to the shadow copy, counted once under 0xB7; other
+// tables are never re-read; a broken record traps.
+#include "lookup_test_util.h"
+
+namespace {
+
+using namespace lt;
+
+constexpr std::uint32_t RECORD = 5;
+
+TEST(RecordCoherency, ForwardStateIsReadThroughTheShadowAndCountedOnce) {
+  testkit::npu_harness h;
+  const std::uint32_t addr = uidb_l3_ing_address(h, RECORD);
+  const record32 old = live_record(0x11);
+  ctrl::write_record(h.npu(), addr, old);
+  ctrl::enter_forward_state(h.npu(), addr, ctrl::shadow_address(0));
+  h.on_thread([&](env_t env) {
+    lookup_request_ID_UIDB_L3_ING__COMM(env, RECORD);
+    lookup_wait_ID_UIDB_L3_ING__COMM(env);
+    lookup_wait_ID_UIDB_L3_ING__COMM(env);  // the shadow is in place: no second re-read
+    EXPECT_EQ(bytes_of(*lookup_result_ID_UIDB_L3_ING__COMM(env)), old);
+  });
+  EXPECT_EQ(shadow_reads(h), 1u);
+}
+
+TEST(RecordCoherency, TwoReadsOfOneRecordEachStandAlone) {
+  testkit::npu_harness h;
+  const std::uint32_t addr = uidb_l3_ing_address(h, RECORD);
+  const record32 old = live_record(0x11);
+  const record32 changed = live_record(0x22);
+  ctrl::write_record(h.npu(), addr, old);
+  ctrl::enter_forward_state(h.npu(), addr, ctrl::shadow_address(0));
+  auto read = [&] {
+    record32 got{};
+    h.on_thread([&](env_t env) {
+      lookup_request_ID_UIDB_L3_ING__COMM(env, RECORD);
+      lookup_wait_ID_UIDB_L3_ING__COMM(env);
+      got = bytes_of(*lookup_result_ID_UIDB_L3_ING__COMM(env));
+    });
+    return got;
+  };
+  EXPECT_EQ(read(), old);
+  ctrl::leave_forward_state(h.npu(), addr, changed);
+  EXPECT_EQ(read(), changed);
+  EXPECT_EQ(shadow_reads(h), 1u);
+}
+
+TEST(RecordCoherency, WaitOnAnUnprotectedTableLeavesAZeroWordAlone) {
+  testkit::npu_harness h;
+  // Shaped like a forward state, but the port table is not protected.
+  const record16 port = {0, 0, 0, 0, 0x9F, 0, 0, 0, 0x8B, 0xAD, 0xF0, 0x0D, 1, 2, 3, 4};
+  ctrl::write_record(h.npu(), port_config_address(3), port);
+  h.on_thread([&](env_t env) {
+    lookup_request_ID_PORT_CONFIG_ING__SAT(env, 3);
+    lookup_wait_ID_PORT_CONFIG_ING__SAT(env);
+    EXPECT_EQ(bytes_of(*lookup_result_ID_PORT_CONFIG_ING__SAT(env)), port);
+  });
+  EXPECT_EQ(shadow_reads(h), 0u);
+}
+
+TEST(RecordCoherency, TwoTagsOfOneTableHaveSlotsOfTheirOwn) {
+  testkit::npu_harness h;
+  const record16 a = {0xA1, 0xA2, 0xA3, 0xA4, 0xA5, 0xA6, 0xA7, 0xA8, 0xA9, 0xAA, 0xAB, 0xAC, 0xAD, 0xAE, 0xAF, 0xA0};
+  const record16 b = {0xB1, 0xB2, 0xB3, 0xB4, 0xB5, 0xB6, 0xB7, 0xB8, 0xB9, 0xBA, 0xBB, 0xBC, 0xBD, 0xBE, 0xBF, 0xB0};
+  ctrl::write_record(h.npu(), port_config_address(1), a);
+  ctrl::write_record(h.npu(), port_config_address(2), b);
+  h.on_thread([&](env_t env) {
+    EXPECT_NE(lookup_result_dmem_offset_ID_PORT_CONFIG_ING__SAT(env),
+              lookup_result_dmem_offset_ID_PORT_CONFIG_ING__L2(env));
+    lookup_request_ID_PORT_CONFIG_ING__SAT(env, 1);
+    lookup_request_ID_PORT_CONFIG_ING__L2(env, 2);
+    EXPECT_EQ(bytes_of(*lookup_result_ID_PORT_CONFIG_ING__SAT(env)), a);
+    EXPECT_EQ(bytes_of(*lookup_result_ID_PORT_CONFIG_ING__L2(env)), b);
+    // A new read through one tag leaves the other tag's result as it was.
+    lookup_request_ID_PORT_CONFIG_ING__SAT(env, 2);
+    EXPECT_EQ(bytes_of(*lookup_result_ID_PORT_CONFIG_ING__SAT(env)), b);
+    EXPECT_EQ(bytes_of(*lookup_result_ID_PORT_CONFIG_ING__L2(env)), b);
+    lookup_request_ID_PORT_CONFIG_ING__L2(env, 1);
+    EXPECT_EQ(bytes_of(*lookup_result_ID_PORT_CONFIG_ING__SAT(env)), b);
+    EXPECT_EQ(bytes_of(*lookup_result_ID_PORT_CONFIG_ING__L2(env)), a);
+  });
+}
+
+// Word 0 is 0 but word 2 is not the pattern: the control plane broke the protocol.
+void read_broken_record(testkit::npu_harness& h) {
+  record32 broken = live_record(0x33);
+  broken[0] = broken[1] = broken[2] = broken[3] = 0;
+  broken[8] = 0x12, broken[9] = 0x34, broken[10] = 0x56, broken[11] = 0x78;
+  ctrl::write_record(h.npu(), uidb_l3_ing_address(h, RECORD), broken);
+  h.on_thread([](env_t env) {
+    lookup_request_ID_UIDB_L3_ING__COMM(env, RECORD);
+    lookup_wait_ID_UIDB_L3_ING__COMM(env);
+  });
+}
+
+constexpr const char* BROKEN_RECORD_MESSAGE =
+    "trap: ID_UIDB_L3_ING__COMM: record at data memory 0x140 has word 0 = 0 without the forward-state pattern";
+
+#ifndef NDEBUG
+TEST(RecordCoherencyDeathTest, RecordWithoutThePatternTraps) {
+  use_threadsafe_death_tests();
+  EXPECT_DEATH(
+      {
+        testkit::npu_harness h;
+        read_broken_record(h);
+      },
+      BROKEN_RECORD_MESSAGE);
+}
+#else
+TEST(RecordCoherency, RecordWithoutThePatternTrapsIntoTheLog) {
+  testkit::npu_harness h;
+  EXPECT_THROW(read_broken_record(h), model::thread_trap);
+  const std::vector<std::string> log = h.npu().log();
+  ASSERT_EQ(log.size(), 1u);
+  EXPECT_NE(log[0].find(BROKEN_RECORD_MESSAGE), std::string::npos) << log[0];
+  EXPECT_EQ(shadow_reads(h), 0u);
+}
+#endif
+
+}  // namespace
