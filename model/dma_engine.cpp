@@ -5,6 +5,7 @@
 #include <string>
 
 #include "dma_defs.h"
+#include "gpb_engine.h"
 #include "platform_ops.h"
 #include "stats_engine.h"
 
@@ -220,6 +221,8 @@ void execute_dma(npu_thread& t, std::uint32_t cmd) {
   if (res == RES_FLB) return flb_request(r);
   if (res == RES_TLU_LONG || res == RES_TLU_DIV || res == RES_TLU_LONG_WRITE) return tlu_long_request(r);
   if (res >= RES_TLU_READ_4B && res <= RES_TLU_READ_NC_32B) return tlu_read_request(r);
+  if (res == RES_TLU_COUNTERS) return memory_op(r, r.word(0), r.owner().memory().translate(r.word(1)), 2);
+  if (is_gpb_resource(res)) return execute_gpb(t, res, r.cmd().req_loc, r.cmd().resp_loc, r.cmd().resp_bytes);
   if (res == RES_TLU_INVALIDATE) {
     r.response();
     return;

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "clock.h"
+#include "gpb_engine.h"
 #include "lookup_cells.h"
 #include "packet_io.h"
 #include "page_descriptors.h"
@@ -88,6 +89,7 @@ class npu {
   stats_memory& stats() { return stats_; }
   page_descriptors& pages() { return pages_; }
   npu_clock& clock() { return clock_; }
+  gpb_engine& gpb() { return gpb_; }
 
   void set_global_config(std::uint32_t v) { global_config_ = v; }
   void set_router_id(std::uint32_t v) { router_id_ = v; }
@@ -125,6 +127,7 @@ class npu {
   stats_memory stats_;
   page_descriptors pages_;
   npu_clock clock_;
+  gpb_engine gpb_;
   std::atomic<std::uint32_t> global_config_{0};
   std::atomic<std::uint32_t> router_id_{0};
   std::atomic<std::uint32_t> drop_capture_{0};
