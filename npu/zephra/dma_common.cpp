@@ -292,6 +292,22 @@ void dma_dram_write_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const
   dma_write_32B_p(env, hi, lo, data, req_loc, resp_loc, resp);
 }
 
+void dma_tlu_incr_4B(env_t env, std::uint32_t vaddr, std::uint32_t req_loc) {
+  be_u32* w = dma_cell_words(env, req_loc);
+  w[0] = mem_req_word0(0, MEM_OP_INCR_4B, true, false);
+  w[1] = vaddr;
+  dma_initiate(env, dma_build_cmd(RES_TLU_COUNTERS, req_loc, 8, req_loc, 0));
+}
+
+void dma_tlu_condsub_4B(env_t env, std::uint32_t vaddr, std::uint32_t count, std::uint32_t req_loc,
+                        std::uint32_t resp_loc) {
+  be_u32* w = dma_cell_words(env, req_loc);
+  w[0] = mem_req_word0(0, MEM_OP_CONDSUB_4B, true, true);
+  w[1] = vaddr;
+  w[2] = count;
+  dma_initiate(env, dma_build_cmd(RES_TLU_COUNTERS, req_loc, 12, resp_loc, 8));
+}
+
 void dma_flowlock_convert(env_t env, std::uint32_t flowlock_id, std::uint32_t flb_req_loc,
                           std::uint32_t flb_resp_loc) {
   be_u32* w = dma_cell_words(env, flb_req_loc);

@@ -94,3 +94,4 @@ void multipass_process(env_t env) {
   common_flags_st::do_multipass::set(*ps_put_mod_common_flags(env), 0);
   unbuilt_handler_end(env, UNBUILT_multipass_process);
 }
+void do_modify_inline_state(env_t env, std::uint32_t) { unbuilt_handler_end(env, UNBUILT_do_modify_inline_state); }

@@ -67,3 +67,11 @@ void npu_handle_special_dst_format(env_t env, std::uint32_t dst_format);
 void process_tbpg(env_t env);
 void process_fab_traffic_gen(env_t env, std::uint8_t* ipg_pkt);
 void multipass_process(env_t env);
+
+// What a copy of an inline replication must keep (special_inline_state_e).
+enum special_inline_state_e : std::uint32_t {
+  REP_STATE_HEADER_OVERWRITE = 1,
+  REP_STATE_GPM_ALLOCATED = 2,
+  REP_STATE_UNUSED_15 = 32768,
+};
+void do_modify_inline_state(env_t env, std::uint32_t state);

@@ -105,6 +105,15 @@ void dma_plu_write_32B(env_t env, std::uint32_t vaddr, const std::uint8_t* data,
 void dma_dram_write_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu_resource_id, const std::uint8_t* data,
                         std::uint32_t req_loc, std::uint32_t resp_loc, boolean_t resp);
 
+// Counter operations of the TLU (resource 248) on a virtual address: the
+// translation and the atomic operation in one request. Word 0 is the memory
+// operation as in a physical request, word 1 the virtual address, word 2 the
+// operand. The conditional subtract answers with the word's old value, which
+// is 0 when nothing was subtracted.
+void dma_tlu_incr_4B(env_t env, std::uint32_t vaddr, std::uint32_t req_loc);
+void dma_tlu_condsub_4B(env_t env, std::uint32_t vaddr, std::uint32_t count, std::uint32_t req_loc,
+                        std::uint32_t resp_loc);
+
 // Flow-lock conversion, alone or with a 16-byte read behind it.
 void dma_flowlock_convert(env_t env, std::uint32_t flowlock_id, std::uint32_t flb_req_loc,
                           std::uint32_t flb_resp_loc);
