@@ -4,7 +4,8 @@
 #include "dplane/infra/lookup.h"
 #include "fab_hdr.h"
 #include "global_config.h"
-#include "npu/zephra/pkt_rx.h"
+#include "npu/zephra/pkt_buf.h"
+#include "pdma_hdr.h"
 #include "platform/shared/unbuilt_handlers.h"
 #include "rx_exceptions.h"
 
@@ -13,7 +14,6 @@ namespace {
 using cf = common_flags_st;
 
 constexpr std::uint32_t GLB_FABRIC_TRACE = 0x66;
-constexpr std::uint32_t DROP_FABRIC_ERROR = 0x297;
 constexpr std::uint32_t DROP_PDMA_ISSU = 0x20F;
 constexpr std::uint32_t DROP_PDMA_UNKNOWN_TYPE = 0x28F;
 
@@ -56,8 +56,8 @@ boolean_t plat_rx_process(env_t env) {
   return TRUE;
 }
 
-void plat_rx_process_egr(env_t env, std::uint32_t) {
-  if (dist_hdr_fabric_st::error::get(pkt_rx_line_hdr(env))) return drop_packet(env, DROP_FABRIC_ERROR);
+void plat_rx_process_egr(env_t env, std::uint32_t dst_format) {
+  if (npu_verify_dst_error(env, dst_format)) return;
   const dc3_nph_st& nph = *reinterpret_cast<const dc3_nph_st*>(*ps_get_pkt_start(env));
   const nph_fn_type nph_fn = nph_ep.entry_point[nph_type_to_ep_table_index(dc3_nph_st::nph_type::get(nph))];
   if (dc3_nph_st::ptrace::get(nph)) {

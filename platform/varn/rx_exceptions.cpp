@@ -15,8 +15,6 @@ using cf = common_flags_st;
 
 constexpr std::uint32_t VECTOR_HOST_INJECT = 13;
 constexpr std::uint32_t VECTOR_TIMESTAMP_FOLLOWUP = 14;
-constexpr std::uint32_t INJECT_QUEUE_FIRST = 80;
-constexpr std::uint32_t INJECT_QUEUE_LAST = 83;
 constexpr std::uint32_t ETH_HDR_LEN = 14;
 constexpr std::uint32_t ETHERTYPE_OFFSET = 12;
 constexpr std::uint16_t ETHERTYPE_IPV4 = 0x0800;
@@ -58,8 +56,7 @@ boolean_t handle_protdecode_tcam_miss(env_t env) {
 boolean_t handle_non_wire_vector(env_t env) {
   const std::uint32_t vector = pkt_rx_rt_thread(env);
   if (vector == VECTOR_HOST_INJECT) {
-    const std::uint32_t queue = pkt_get_rx_input_qid(env);
-    if (queue < INJECT_QUEUE_FIRST || queue > INJECT_QUEUE_LAST) {
+    if (!pkt_is_rx_inject_port(env)) {
       drop_packet(env, DROP_BAD_INJECT);
     } else if (pkt_get_rx_l3_type(env) == bufhdr_l3_type_other_e) {
       plat_process_inject(env, FALSE);

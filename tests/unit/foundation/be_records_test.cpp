@@ -12,6 +12,7 @@
 #include "fwc_port.h"
 #include "platform/varn/dist_hdr.h"
 #include "platform/varn/fab_hdr.h"
+#include "platform/varn/pdma_hdr.h"
 
 namespace {
 
