@@ -279,59 +279,57 @@ struct varn_dc3_nph_ipv6_abf_uni_st : varn_ip_uni_ext_fields {
 };
 static_assert(sizeof(varn_dc3_nph_ipv6_abf_uni_st) == 52);
 
-// The L3 unicast extension, l3_uni_ext_st, 8 bytes from its own start; it
-// stands at byte 32 of types 32, 33 and 34.
-struct l3_uni_ext_st {
-  std::uint8_t bytes[8];
-  using nph_subtype = be_bits<0, 0, 8>;
+// The L3 unicast extension (l3_uni_ext_st), bytes 32..39 of types 32, 33
+// and 34: a subtype, then one of three forms.
+struct l3_uni_ext_fields {
+  using nph_subtype = be_bits<32, 0, 8>;
   struct pwhe_vpath_st {
-    using egr_np_port = be_bits<1, 0, 16>;
-    using nrldim = member_byte<3>;
-    using rldim = member_byte<4>;
-    using lagm = lagm_byte<5>;
+    using egr_np_port = be_bits<33, 0, 16>;
+    using nrldim = member_byte<35>;
+    using rldim = member_byte<36>;
+    using lagm = lagm_byte<37>;
     struct flags {
-      using SDN_proc = be_bits<6, 0, 1>;
-      using notif_pdu = be_bits<6, 1, 1>;
-      using resp_new_flow_add = be_bits<6, 2, 1>;
-      using resp_sol_flow_add = be_bits<6, 3, 1>;
-      using resp_new_flow_inj = be_bits<6, 4, 1>;
-      using vrf_override = be_bits<6, 5, 1>;
-      using reinject_or_output = be_bits<6, 6, 1>;
-      using spare = be_bits<6, 7, 1>;
+      using SDN_proc = be_bits<38, 0, 1>;
+      using notif_pdu = be_bits<38, 1, 1>;
+      using resp_new_flow_add = be_bits<38, 2, 1>;
+      using resp_sol_flow_add = be_bits<38, 3, 1>;
+      using resp_new_flow_inj = be_bits<38, 4, 1>;
+      using vrf_override = be_bits<38, 5, 1>;
+      using reinject_or_output = be_bits<38, 6, 1>;
+      using spare = be_bits<38, 7, 1>;
     };
-    using pad = be_bits<7, 0, 8>;
+    using pad = be_bits<39, 0, 8>;
   };
   struct gre_multikey_st {
-    using pad = be_bits<1, 0, 24>;
-    using key = le_bytes<4, 4>;
+    using pad = be_bits<33, 0, 24>;
+    using key = le_bytes<36, 4>;
   };
   struct abf_gre_multikey_st {
-    using pad = be_bits<1, 0, 8>;
-    using abf_vrf = le_bytes<2, 2>;
-    using ipv4_nh_addr = be_bits<4, 0, 32>;
+    using pad = be_bits<33, 0, 8>;
+    using abf_vrf = le_bytes<34, 2>;
+    using ipv4_nh_addr = be_bits<36, 0, 32>;
   };
 };
-static_assert(sizeof(l3_uni_ext_st) == 8);
 
 enum l3_uni_ext_subtype_e : std::uint32_t {
   L3_UNI_EXT_PWHE_VPATH = 0,
   L3_UNI_EXT_MULTIKEY = 1,
 };
 
-inline constexpr std::size_t L3_UNI_EXT_OFFSET = 32;
+inline constexpr std::uint32_t L3_UNI_EXT_BYTES = 8;
 
-struct varn_dc3_nph_ip_uni_ext_st : varn_ip_uni_ext_fields {
+struct varn_dc3_nph_ip_uni_ext_st : varn_ip_uni_ext_fields, l3_uni_ext_fields {
   std::uint8_t bytes[40];
 };
 static_assert(sizeof(varn_dc3_nph_ip_uni_ext_st) == 40);
 
-struct varn_dc3_nph_mpls_uni_ext_st : varn_mpls_ext_fields {
+struct varn_dc3_nph_mpls_uni_ext_st : varn_mpls_ext_fields, l3_uni_ext_fields {
   std::uint8_t bytes[40];
 };
 static_assert(sizeof(varn_dc3_nph_mpls_uni_ext_st) == 40);
 
 // The 44-byte GRE form: the ABF multikey extension, then a second key.
-struct varn_ip_uni_gre_ext_nph_dc3_hdr : varn_ip_uni_ext_fields {
+struct varn_ip_uni_gre_ext_nph_dc3_hdr : varn_ip_uni_ext_fields, l3_uni_ext_fields {
   std::uint8_t bytes[44];
   struct gre_key_uni_ext2 {
     using ext_gre_key = le_bytes<40, 4>;

@@ -2,7 +2,7 @@
 
 #include "dplane/infra/drop.h"
 #include "dplane/infra/lookup.h"
-#include "fab_hdr.h"
+#include "fab_hdr_access.h"
 #include "global_config.h"
 #include "npu/zephra/pkt_buf.h"
 #include "pdma_hdr.h"
@@ -58,13 +58,13 @@ boolean_t plat_rx_process(env_t env) {
 
 void plat_rx_process_egr(env_t env, std::uint32_t dst_format) {
   if (npu_verify_dst_error(env, dst_format)) return;
-  const dc3_nph_st& nph = *reinterpret_cast<const dc3_nph_st*>(*ps_get_pkt_start(env));
-  const nph_fn_type nph_fn = nph_ep.entry_point[nph_type_to_ep_table_index(dc3_nph_st::nph_type::get(nph))];
-  if (dc3_nph_st::ptrace::get(nph)) {
+  const void* fab = plat_fab_hdr_of(env);
+  const nph_fn_type nph_fn = nph_ep.entry_point[nph_type_to_ep_table_index(plat_fab_get_nph_type(fab))];
+  if (plat_get_common_ptrace_fromfab(fab)) {
     lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, GLB_FABRIC_TRACE);
     cf::pkt_trace_on::set(*ps_put_mod_common_flags(env), 1);
   }
-  if (dc3_nph_st::critical_inject::get(nph)) return handle_egr_ci(env, nph_fn);
+  if (plat_get_common_critical_inject_fromfab(fab)) return handle_egr_ci(env, nph_fn);
   nph_fn(env);
 }
 
