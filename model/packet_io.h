@@ -22,6 +22,16 @@ enum class packet_end {
 
 const char* packet_end_name(packet_end end);
 
+// Where a frame that leaves an NPU goes.
+enum class frame_destination { line, fabric, host };
+
+// A frame as it left: its destination (with the line port) and its bytes.
+struct sent_frame {
+  frame_destination to = frame_destination::line;
+  std::uint32_t port = 0;
+  std::vector<std::uint8_t> bytes;
+};
+
 struct packet_outcome {
   std::uint64_t seq = 0;  // arrival number on its NPU, from 1
   std::uint32_t npu = 0;
@@ -29,6 +39,7 @@ struct packet_outcome {
   packet_end end = packet_end::freed;
   std::int32_t placeholder = -1;               // unbuilt handler that ended it, if any
   std::vector<std::uint32_t> global_counters;  // global counters bumped while the thread held it
+  std::vector<sent_frame> sent;                // frames that left while the thread held it
   std::string note;
 };
 
