@@ -1,6 +1,7 @@
 // A run of the tool: named packets for the NPUs of a chassis.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@ namespace lcsim {
 struct scenario_packet {
   std::string description;
   std::uint32_t npu = 0;
+  std::chrono::nanoseconds timestamp{};  // of its arrival, carried to what it sends
   model::arriving_packet packet;
 };
 
