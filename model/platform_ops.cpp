@@ -3,6 +3,7 @@
 
 #include <cstdio>
 
+#include "npu/zephra/hash_fns.h"
 #include "npu/zephra/main_loop.h"
 #include "power.h"
 
@@ -52,6 +53,7 @@ std::uint32_t power_rdc(std::uint32_t cop) {
   model::npu& n = *t.owner;
   switch (cop) {
     case COP_THREAD_IDENTITY: return t.identity;
+    case COP_HASH_RESULT: return hash_unit_final({t.hash_inputs[0], t.hash_inputs[1], t.hash_inputs[2]});
     case COP_RANDOM: return static_cast<std::uint32_t>(t.random());
     case COP_TIME_SECONDS: return n.clock().read_seconds();
     case COP_TIME_LOW: return n.clock().read_low();
