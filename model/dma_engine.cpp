@@ -4,61 +4,15 @@
 #include <cstring>
 #include <string>
 
-#include "dma_defs.h"
+#include "dma_request.h"
 #include "gpb_engine.h"
 #include "platform_ops.h"
 #include "stats_engine.h"
+#include "tlu_engine.h"
 
 namespace model {
 
 namespace {
-
-struct dma_cmd {
-  std::uint32_t resource;
-  std::uint32_t resp_bytes;
-  std::uint32_t resp_loc;
-  std::uint32_t req_bytes;
-  std::uint32_t req_loc;
-};
-
-dma_cmd decode(std::uint32_t cmd) {
-  return {cmd >> DMA_CMD_RESOURCE_SHIFT, ((cmd >> DMA_CMD_RESP_SIZE_SHIFT) & 0x1F) * 8,
-          ((cmd >> DMA_CMD_RESP_LOC_SHIFT) & 0x3F) * 16, ((cmd >> DMA_CMD_REQ_SIZE_SHIFT) & 0x1F) * 4,
-          (cmd & 0x3F) * 16};
-}
-
-std::uint32_t load_be32(const std::uint8_t* p) {
-  return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
-}
-
-void store_be(std::uint8_t* p, unsigned width, std::uint64_t v) {
-  for (unsigned i = width; i-- > 0;) {
-    p[i] = static_cast<std::uint8_t>(v);
-    v >>= 8;
-  }
-}
-
-class request {
- public:
-  request(npu_thread& t, const dma_cmd& c) : t_(t), c_(c) {}
-
-  std::uint32_t word(std::uint32_t i) const { return load_be32(t_.dmem.data() + c_.req_loc + 4 * i); }
-  const std::uint8_t* bytes_from(std::uint32_t offset) const { return t_.dmem.data() + c_.req_loc + offset; }
-  // The response area, cleared to the response size; null if none is wanted.
-  std::uint8_t* response() {
-    if (c_.resp_bytes == 0) return nullptr;
-    std::memset(t_.dmem.data() + c_.resp_loc, 0, c_.resp_bytes);
-    return t_.dmem.data() + c_.resp_loc;
-  }
-  const dma_cmd& cmd() const { return c_; }
-  npu_thread& thread() { return t_; }
-  npu& owner() { return *t_.owner; }
-  void breach(const std::string& what) { t_.owner->breach(t_, what); }
-
- private:
-  npu_thread& t_;
-  dma_cmd c_;
-};
 
 paddr_t physical(std::uint32_t word0, std::uint32_t word1) {
   return (paddr_t{word0 >> 24} << 32) | word1;
@@ -78,7 +32,7 @@ rmw_op alu_op(std::uint32_t opcode) {
   }
 }
 
-void respond_old_word(request& r, std::uint64_t old, unsigned width) {
+void respond_old_word(dma_request& r, std::uint64_t old, unsigned width) {
   if (std::uint8_t* resp = r.response()) store_be(resp, width, old);
 }
 
@@ -86,7 +40,7 @@ void respond_old_word(request& r, std::uint64_t old, unsigned width) {
 // physical request, or the word that a long TLU command forwards), its
 // address, and the request word where its data or operand begins. Addresses
 // of statistics memory go to the statistics engine.
-void memory_op(request& r, std::uint32_t w0, paddr_t addr, std::uint32_t data_word) {
+void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t data_word) {
   const std::uint32_t opcode = w0 & 0xFF;
   if (stats_memory::contains(addr)) {
     return stats_memory_op(r.thread(), opcode, addr, r.word(data_word), r.response(), r.cmd().resp_bytes);
@@ -145,40 +99,21 @@ void memory_op(request& r, std::uint32_t w0, paddr_t addr, std::uint32_t data_wo
 }
 
 // Physical memory requests (resource 511).
-void memory_request(request& r) { memory_op(r, r.word(0), physical(r.word(0), r.word(1)), 2); }
+void memory_request(dma_request& r) { memory_op(r, r.word(0), physical(r.word(0), r.word(1)), 2); }
 
-// Long TLU commands: address translation, and one memory operation (word 2)
-// forwarded to a virtual address (word 1) with its operand in word 3.
-void tlu_long_request(request& r) {
+// Long TLU commands: one memory operation (word 2) forwarded to a virtual
+// address (word 1) with its operand in word 3; the TLU serves the others.
+void tlu_long_request(dma_request& r) {
   const std::uint32_t w0 = r.word(0);
   if (w0 == TLU_CMD_ERC2 || w0 == TLU_CMD_ERC3 || w0 == TLU_CMD_ERC4) {
     return memory_op(r, r.word(2), r.owner().memory().translate(r.word(1)), 3);
   }
-  if (w0 != TLU_CMD_TMU_LPA) {
-    r.breach("long TLU command " + std::to_string(r.word(0)) + ", which nothing serves");
-    return;
-  }
-  const paddr_t p = r.owner().memory().translate(r.word(1));
-  if (std::uint8_t* resp = r.response()) {
-    store_be(resp, 4, (p >> 32) & 0xFF);
-    store_be(resp + 4, 4, p & 0xFFFFFFFF);
-  }
-}
-
-// Cached and uncached TLU reads: the request is the address, or a paged record.
-void tlu_read_request(request& r) {
-  const std::uint32_t size = 4u << ((r.cmd().resource - RES_TLU_READ_4B) & 3);
-  const auto vaddr = r.owner().pages().address_of(r.word(0));
-  if (!vaddr) {
-    r.breach("TLU read through table page descriptor " + std::to_string(r.word(0) >> 26) + ", which is not set");
-    return;
-  }
-  const paddr_t p = r.owner().memory().translate(*vaddr);
-  if (std::uint8_t* resp = r.response()) r.owner().memory().read(p, {resp, std::min(size, r.cmd().resp_bytes)});
+  if (is_tlu_command(w0)) return execute_tlu_command(r);
+  r.breach("long TLU command " + std::to_string(w0) + ", which nothing serves");
 }
 
 // The FLB: packet end and next packet, flow-lock conversion.
-void flb_request(request& r) {
+void flb_request(dma_request& r) {
   npu_thread& t = r.thread();
   const dma_cmd& c = r.cmd();
   const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && c.resp_loc == 0;
@@ -210,23 +145,22 @@ void flb_request(request& r) {
   t.owner->wait_for_packet(t);
 }
 
-void unbuilt_handler_request(request& r) { r.owner().note_placeholder(r.thread(), static_cast<std::int32_t>(r.word(0))); }
+void unbuilt_handler_request(dma_request& r) {
+  r.owner().note_placeholder(r.thread(), static_cast<std::int32_t>(r.word(0)));
+}
 
 }  // namespace
 
 void execute_dma(npu_thread& t, std::uint32_t cmd) {
-  request r(t, decode(cmd));
+  dma_request r(t, decode_dma_cmd(cmd));
   const std::uint32_t res = r.cmd().resource;
   if (res == RES_MEMORY) return memory_request(r);
   if (res == RES_FLB) return flb_request(r);
   if (res == RES_TLU_LONG || res == RES_TLU_DIV || res == RES_TLU_LONG_WRITE) return tlu_long_request(r);
-  if (res >= RES_TLU_READ_4B && res <= RES_TLU_READ_NC_32B) return tlu_read_request(r);
+  if (res >= RES_TLU_READ_4B && res <= RES_TLU_READ_NC_32B) return execute_tlu_read(r);
   if (res == RES_TLU_COUNTERS) return memory_op(r, r.word(0), r.owner().memory().translate(r.word(1)), 2);
   if (is_gpb_resource(res)) return execute_gpb(t, res, r.cmd().req_loc, r.cmd().resp_loc, r.cmd().resp_bytes);
-  if (res == RES_TLU_INVALIDATE) {
-    r.response();
-    return;
-  }
+  if (res == RES_TLU_INVALIDATE) return execute_tlu_invalidate(r);
   if (res == RES_UNBUILT_HANDLER) return unbuilt_handler_request(r);
   r.breach("request to resource " + std::to_string(res) + ", which nothing serves");
 }

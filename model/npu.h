@@ -21,6 +21,7 @@
 #include "page_descriptors.h"
 #include "stats_memory.h"
 #include "table_memory.h"
+#include "tlu_cache.h"
 
 namespace model {
 
@@ -88,6 +89,7 @@ class npu {
   table_memory& memory() { return memory_; }
   stats_memory& stats() { return stats_; }
   page_descriptors& pages() { return pages_; }
+  model::tlu_cache& tlu_cache() { return tlu_cache_; }
   npu_clock& clock() { return clock_; }
   gpb_engine& gpb() { return gpb_; }
 
@@ -124,6 +126,7 @@ class npu {
   chassis& chassis_;
   std::uint32_t id_;
   table_memory memory_;
+  model::tlu_cache tlu_cache_{memory_};
   stats_memory stats_;
   page_descriptors pages_;
   npu_clock clock_;

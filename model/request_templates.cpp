@@ -2,9 +2,9 @@
 // request; the rest of the request stands in the request cell behind it.
 //
 //   table 0 entry 0       hash bucket: 16 bytes at cmd + (num mod denom) * 16
-//   table 0 entries 1-4   TLU read of 8, 16, 32, 4 bytes; entries 6, 7: 16, 32
-//                         bytes without cache allocation. The command is an
-//                         address, or with bit 1 set a paged record
+//   table 0 entries 1-4   TLU read of 8, 16, 32, 4 bytes with cache allocation;
+//                         entries 6, 7: 16, 32 bytes without. The command is
+//                         an address, or with bit 1 set a paged record
 //   table 0 entry 8       statistics pair: one packet, the count at byte 8
 //   table 0 entry 9       4-byte increment of the counter at physical cmd
 //   table 0 entry 10      global counter
@@ -18,6 +18,7 @@
 #include "dma_defs.h"
 #include "platform_ops.h"
 #include "stats_engine.h"
+#include "tlu_engine.h"
 
 namespace model {
 
@@ -85,15 +86,15 @@ void no_descriptor(template_request& r, std::uint32_t word) {
   r.breach("paged read through table page descriptor " + std::to_string(word >> 26) + ", which is not set");
 }
 
-void read_into(template_request& r, std::uint32_t vaddr, std::uint8_t* out, std::uint32_t bytes) {
-  table_memory& mem = r.owner().memory();
-  mem.read(mem.translate(vaddr), {out, bytes});
-}
+// Reads with allocation go through the TLU cache.
+enum class allocation { cached, uncached };
 
-void tlu_read(template_request& r, std::uint32_t bytes) {
+void tlu_read(template_request& r, std::uint32_t bytes, allocation a) {
   const auto vaddr = r.owner().pages().address_of(r.cmd());
   if (!vaddr) return no_descriptor(r, r.cmd());
-  if (std::uint8_t* resp = r.response(bytes)) read_into(r, *vaddr, resp, bytes);
+  if (std::uint8_t* resp = r.response(bytes)) {
+    tlu_read_virtual(r.owner(), *vaddr, {resp, bytes}, a == allocation::cached);
+  }
 }
 
 // The numerator and denominator stand at bytes 12 and 8 of the request.
@@ -121,13 +122,15 @@ void mod_read(template_request& r, std::uint32_t record_bytes) {
   if (!resp) return;
   store_be32(resp, m->rem);
   store_be32(resp + 4, m->quot);
-  read_into(r, *vaddr, resp + MOD_HEADER_BYTES, record_bytes);
+  tlu_read_virtual(r.owner(), *vaddr, {resp + MOD_HEADER_BYTES, record_bytes}, true);  // with allocation
 }
 
 void bucket_read(template_request& r) {
   const auto m = modulus_of(r);
   if (!m) return;
-  if (std::uint8_t* resp = r.response(BUCKET_BYTES)) read_into(r, r.cmd() + m->rem * BUCKET_BYTES, resp, BUCKET_BYTES);
+  if (std::uint8_t* resp = r.response(BUCKET_BYTES)) {
+    tlu_read_virtual(r.owner(), r.cmd() + m->rem * BUCKET_BYTES, {resp, BUCKET_BYTES}, false);
+  }
 }
 
 void counter_increment(template_request& r) { r.owner().memory().rmw(r.cmd(), 4, rmw_op::add, 1); }
@@ -139,12 +142,12 @@ void execute_template(npu_thread& t, std::uint32_t table, std::uint32_t entry, s
   template_request r(t, table, entry, cmd, req_cell, res_cell);
   switch (rtt_index(table, entry)) {
     case rtt_index(0, 0): return bucket_read(r);
-    case rtt_index(0, 1): return tlu_read(r, 8);
-    case rtt_index(0, 2):
-    case rtt_index(0, 6): return tlu_read(r, 16);
-    case rtt_index(0, 3):
-    case rtt_index(0, 7): return tlu_read(r, 32);
-    case rtt_index(0, 4): return tlu_read(r, 4);
+    case rtt_index(0, 1): return tlu_read(r, 8, allocation::cached);
+    case rtt_index(0, 2): return tlu_read(r, 16, allocation::cached);
+    case rtt_index(0, 3): return tlu_read(r, 32, allocation::cached);
+    case rtt_index(0, 4): return tlu_read(r, 4, allocation::cached);
+    case rtt_index(0, 6): return tlu_read(r, 16, allocation::uncached);
+    case rtt_index(0, 7): return tlu_read(r, 32, allocation::uncached);
     case rtt_index(0, 8): return stats_add(t, cmd, r.word(2));
     case rtt_index(0, 9): return counter_increment(r);
     case rtt_index(0, 10): return stats_count_global(t, cmd);

@@ -6,14 +6,13 @@
 #include "arch_tie.h"
 #include "lookup_dbg.h"
 #include "npu/zephra/stats.h"
+#include "tlu_defs.h"
 
 namespace {
 
 constexpr std::uint32_t STACK_BASE = 0x4450000;
 constexpr std::uint32_t STACK_BASE_HIGH_THREADS = 0x444FFE0;
 constexpr std::uint32_t STACK_SIZE = 0xEC0;
-constexpr std::uint32_t TLU_POLICY_NO_ALLOCATE = 0x02000000;
-constexpr std::uint32_t TLU_POLICY_THREAD = 16;
 
 using cf = common_flags_st;
 using cf2 = common_flags2_st;

@@ -12,17 +12,18 @@
 #include "dplane/infra/lookup_tables.h"
 #include "dplane/infra/lookup_types.h"
 #include "npu/zephra/stats.h"
+#include "tlu_defs.h"
 
 inline std::uint8_t* lookup_slot(env_t env, std::uint32_t loc) { return env_get_dmem_start(env) + loc; }
 
 // Command word of a paged record: the TLU finds record_index through table
 // page descriptor tpd_idx; bit 1 marks the paged form.
 constexpr std::uint32_t lookup_paged_word(std::uint32_t tpd_idx, std::uint32_t record_index) {
-  return (record_index << 2) | (tpd_idx << 26) | 2;
+  return tlu_paged_word(tpd_idx, record_index);
 }
 // Command word of a read with modulus, whose template implies the paged form.
 constexpr std::uint32_t lookup_mod_word(std::uint32_t tpd_idx, std::uint32_t record_index) {
-  return (tpd_idx << 26) | (record_index << 2);
+  return tlu_paged_record(tpd_idx, record_index);
 }
 
 // A read with modulus: the denominator at byte 8 of the cell, the numerator

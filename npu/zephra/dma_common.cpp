@@ -5,6 +5,7 @@
 
 #include "arch_tie.h"
 #include "dplane/infra/ps.h"
+#include "tlu.h"
 
 std::uint32_t dma_build_cmd(std::uint32_t resource_id, std::uint32_t req_loc, std::uint32_t req_size,
                             std::uint32_t resp_loc, std::uint32_t resp_size) {
@@ -79,13 +80,6 @@ void mem_write(env_t env, std::uint32_t opcode, std::uint32_t paddr_hi, std::uin
 
 std::uint32_t write_resp_size(std::uint32_t size) { return size < 8 ? 8 : size; }
 
-void tlu_invalidate(env_t env, std::uint32_t m40ah, std::uint32_t m40al, std::uint32_t req_loc, boolean_t wait) {
-  be_u32* w = dma_cell_words(env, req_loc);
-  w[0] = (m40ah << 24) | 2;
-  w[1] = m40al;
-  dma_initiate(env, dma_build_cmd(RES_TLU_INVALIDATE, req_loc, 8, req_loc, wait ? 8 : 0));
-}
-
 // A write through a virtual address. With invalidate_tlu the write always asks
 // for a response, so that it has landed before the invalidate goes out.
 void virtual_write(env_t env, std::uint32_t opcode, std::uint32_t vaddr, std::uint32_t tlu_resource_id,
@@ -97,7 +91,9 @@ void virtual_write(env_t env, std::uint32_t opcode, std::uint32_t vaddr, std::ui
   const bool want_resp = opts.resp || opts.invalidate_tlu;
   mem_write(env, opcode, hi, lo, data, size, req_loc, opts.resp ? resp_loc : req_loc,
             want_resp ? write_resp_size(size) : 0);
-  if (opts.invalidate_tlu) tlu_invalidate(env, hi, lo, req_loc, opts.invalidate_wait);
+  if (opts.invalidate_tlu) {
+    tlu_invalidate(env, static_cast<std::uint8_t>(hi), lo, opts.invalidate_wait, req_loc, req_loc);
+  }
 }
 
 void virtual_read(env_t env, std::uint32_t opcode, std::uint32_t vaddr, std::uint32_t tlu_resource_id,
@@ -112,13 +108,9 @@ void virtual_read(env_t env, std::uint32_t opcode, std::uint32_t vaddr, std::uin
 
 void dma_tmu_lpa(env_t env, std::uint32_t vaddr, std::uint32_t tlu_resource_id, std::uint32_t req_loc,
                  std::uint32_t* m40ah, std::uint32_t* m40al) {
-  be_u32* w = dma_cell_words(env, req_loc);
-  w[0] = TLU_CMD_TMU_LPA;
-  w[1] = vaddr;
-  dma_initiate(env, dma_build_cmd(tlu_resource_id, req_loc, 8, req_loc, 8));
-  // tlu_long_tmulpa_response_: miss, pe, 21 undefined bits, ovf, ppnh; then ppnl.
-  *m40ah = w[0].get() & 0xFF;
-  *m40al = w[1].get();
+  tmu_lpa(env, vaddr, tlu_resource_id, req_loc, req_loc);
+  *m40ah = tmu_lpa_get_hi(env, req_loc);
+  *m40al = tmu_lpa_get_lo(env, req_loc);
 }
 
 void dma_read_4B_p(env_t env, std::uint32_t hi, std::uint32_t lo, std::uint32_t req_loc, std::uint32_t resp_loc) {
@@ -266,7 +258,9 @@ void dma_alu_4B(env_t env, dma_alu_op_e op, std::uint32_t vaddr, std::uint32_t t
   dma_tmu_lpa(env, vaddr, tlu, req_loc, &hi, &lo);
   const bool want_resp = opts.resp || opts.invalidate_tlu;
   dma_alu_4B_p(env, op, hi, lo, operand, req_loc, opts.resp ? resp_loc : req_loc, want_resp);
-  if (opts.invalidate_tlu) tlu_invalidate(env, hi, lo, req_loc, opts.invalidate_wait);
+  if (opts.invalidate_tlu) {
+    tlu_invalidate(env, static_cast<std::uint8_t>(hi), lo, opts.invalidate_wait, req_loc, req_loc);
+  }
 }
 
 void dma_plu_read_32B(env_t env, std::uint32_t vaddr, std::uint32_t req_loc, std::uint32_t resp_loc) {
