@@ -139,6 +139,7 @@ struct le_bytes {
   static_assert(Bytes >= 1 && Bytes <= 4, "little-endian fields are at most 4 bytes wide");
   static constexpr std::size_t first_byte = Byte;
   static constexpr std::size_t end_byte = Byte + Bytes;
+  static constexpr std::uint64_t mask = (std::uint64_t{1} << (8 * Bytes)) - 1;
 
   template <class R>
   static std::uint32_t get(const R& rec) {
