@@ -1,5 +1,7 @@
 #include "fab_hdr_backup.h"
 
+#include <cstring>
+
 #include "dist_hdr.h"
 #include "dplane/infra/ps.h"
 #include "fab_hdr_access.h"
@@ -37,6 +39,7 @@ void plat_store_l3_ucast_nph(const void* fab, l3_ucst_nph_bkup_st* bkup) {
 
 std::uint32_t plat_restore_l3_ucast_nph(env_t env, const l3_ucst_nph_bkup_st* bkup, std::uint8_t* l3_hdr) {
   std::uint8_t* fab = l3_hdr - DC3_NPH_BYTES;
+  std::memset(fab, 0, DC3_NPH_BYTES);
   plat_fab_hdr_prep_to_write(env, fab);
   plat_fab_hdr_write_nph_common(env, fab, bkup->pkt_type, NPH_LENGTH_32);
   ip_uni& hdr = fab_as<ip_uni>(fab);

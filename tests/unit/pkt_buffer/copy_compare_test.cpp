@@ -1,0 +1,76 @@
+// The copy, fill, compare and bit-test helpers at their rounding edges.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <numeric>
+
+#include "dplane/infra/util.h"
+
+namespace {
+
+using buf = std::array<std::uint8_t, 24>;
+
+buf counting() {
+  buf b;
+  std::iota(b.begin(), b.end(), std::uint8_t{1});
+  return b;
+}
+
+// How many bytes of a zeroed destination a copy of `len` fills.
+template <class Copy>
+std::size_t copied(Copy copy, std::int32_t len) {
+  buf src = counting();
+  buf dst{};
+  copy(dst.data(), src.data(), len);
+  std::size_t n = 0;
+  while (n < dst.size() && dst[n] == src[n]) ++n;
+  return n;
+}
+
+TEST(CopyHelpers, WordAndDoubleWordCopiesRoundUp) {
+  const std::pair<std::int32_t, std::size_t> words[] = {{-4, 0}, {0, 0}, {1, 4}, {4, 4}, {5, 8}};
+  for (const auto& [len, n] : words) EXPECT_EQ(copied(memcpy_words, len), n) << len;
+  EXPECT_EQ(copied(memcpy_swords, 6), 8u);
+  const std::pair<std::int32_t, std::size_t> dwords[] = {{-1, 8}, {0, 8}, {1, 8}, {9, 16}};
+  for (const auto& [len, n] : dwords) EXPECT_EQ(copied(memcpy_dwords, len), n) << len;
+}
+
+TEST(CopyHelpers, ReverseCopyMovesAHeaderUpOverItself) {
+  buf b = counting();
+  memcpy_bytes_reverse(b.data() + 4, b.data(), 12);
+  EXPECT_EQ((std::array<std::uint8_t, 16>{1, 2, 3, 4, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}),
+            (std::array<std::uint8_t, 16>{b[0], b[1], b[2], b[3], b[4], b[5], b[6], b[7], b[8], b[9], b[10], b[11],
+                                          b[12], b[13], b[14], b[15]}));
+}
+
+TEST(CopyHelpers, FillsWriteBigEndianWords) {
+  buf b{};
+  memset_words(b.data(), 5, 0x01020304);
+  EXPECT_EQ((std::array<std::uint8_t, 9>{1, 2, 3, 4, 1, 2, 3, 4, 0}),
+            (std::array<std::uint8_t, 9>{b[0], b[1], b[2], b[3], b[4], b[5], b[6], b[7], b[8]}));
+  memzero_words(b.data(), 3);
+  EXPECT_EQ(b[3], 0);
+  EXPECT_EQ(b[4], 1);
+}
+
+TEST(CompareHelpers, FixedSizesLookAtTheirBytesOnly) {
+  buf a = counting();
+  buf b = counting();
+  b[5] = 0;
+  EXPECT_TRUE(compare_5B(a.data(), b.data()));
+  EXPECT_FALSE(compare_6B(a.data(), b.data()));
+  EXPECT_FALSE(compare(a.data(), b.data(), 6));
+  EXPECT_TRUE(compare(a.data(), b.data(), 5));
+}
+
+TEST(BitTest, AnyOfTheBitsInTheBigEndianValue) {
+  const std::uint8_t v[4] = {0x80, 0x01, 0x00, 0x02};
+  EXPECT_TRUE(bit_test_1B(v, 0x80));
+  EXPECT_FALSE(bit_test_1B(v, 0x7F));
+  EXPECT_TRUE(bit_test_2B(v, 0x0001));
+  EXPECT_FALSE(bit_test_2B(v, 0x0100));
+  EXPECT_TRUE(bit_test_4B(v, 0x00000002));
+  EXPECT_FALSE(bit_test_4B(v, 0x00FE0000));
+}
+
+}  // namespace

@@ -1,0 +1,138 @@
+// The head allocator: blocks of 128 bytes from the buffer engine, the
+// 384-byte limit, the per-feature areas and their limits, and a refusal.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "dplane/infra/drop.h"
+#include "dplane/infra/ps.h"
+#include "npu/zephra/pkt_mem_alloc.h"
+#include "test_handler.h"
+
+namespace {
+
+using cf = common_flags_st;
+using counters = std::vector<std::uint32_t>;
+
+// The thread's state as a packet of the given direction and handle would
+// leave it, with no head blocks yet.
+void as_packet(env_t env, bool ingress, std::uint32_t handle) {
+  std::memset(env->dist_hdr, 0, sizeof env->dist_hdr);
+  dist_hdr_line_st& hdr = *reinterpret_cast<dist_hdr_line_st*>(env->dist_hdr);
+  dist_hdr_line_st::dst_format::set(hdr, ingress ? DST_FORMAT_LINE : DST_FORMAT_FABRIC);
+  dist_hdr_line_st::gpm_pkt_handle::set(hdr, handle);
+  *ps_put_mod_common_flags(env) = common_flags_st{};
+}
+
+std::uint32_t blocks(env_t env) { return cf::gpm_allocated::get(*ps_get_common_flags(env)); }
+
+class HeadAlloc : public ::testing::Test {
+ protected:
+  testkit::npu_harness h;
+  std::uint64_t requests() { return h.npu().gpb().requests(); }
+};
+
+TEST_F(HeadAlloc, Of384TakesThreeBlocksAndOf385NothingWithNoRequest) {
+  h.on_thread([&](env_t env) {
+    as_packet(env, true, 1);
+    EXPECT_EQ(npu_alloc_packet_mem(env, 385), nullptr);
+    EXPECT_EQ(npu_alloc_packet_mem(env, 0), nullptr);
+    EXPECT_EQ(requests(), 0u);
+    EXPECT_EQ(npu_alloc_packet_mem(env, 384), *ps_get_pkt_mem_start(env) - 384);
+    EXPECT_EQ(blocks(env), 3u);
+    EXPECT_EQ(requests(), 3u);
+    EXPECT_EQ(npu_alloc_packet_mem_start(env), *ps_get_pkt_mem_start(env) - 384);
+    EXPECT_EQ(npu_alloc_packet_mem_end(env), *ps_get_pkt_mem_start(env));
+  });
+}
+
+TEST_F(HeadAlloc, ASmallerSecondRequestSendsNothingAndGivesTheSameStart) {
+  h.on_thread([&](env_t env) {
+    as_packet(env, true, 1);
+    unsigned char* first = npu_alloc_packet_mem(env, 129);
+    EXPECT_EQ(first, *ps_get_pkt_mem_start(env) - 256);
+    EXPECT_EQ(npu_alloc_packet_mem(env, 100), first);
+    EXPECT_EQ(blocks(env), 2u);
+    EXPECT_EQ(requests(), 2u);
+  });
+}
+
+TEST_F(HeadAlloc, ARefusedBlockGivesNullAndKeepsTheBlocksGranted) {
+  h.npu().gpb().limit_grants(1);
+  h.on_thread([&](env_t env) {
+    as_packet(env, true, 1);
+    EXPECT_EQ(npu_alloc_packet_mem(env, 300), nullptr);
+    EXPECT_EQ(blocks(env), 1u);
+    EXPECT_EQ(requests(), 2u);
+  });
+}
+
+// The buffer engine checks each request's command, engine and segment: a
+// wrong one stops the test.
+TEST_F(HeadAlloc, EveryDirectionAndHandleReachesItsEngine) {
+  h.on_thread([&](env_t env) {
+    for (bool ingress : {true, false}) {
+      for (std::uint32_t handle : {0u, 1u, 2u, 3u, 0x1FFFu}) {
+        SCOPED_TRACE(testing::Message() << "ingress " << ingress << " handle " << handle);
+        as_packet(env, ingress, handle);
+        EXPECT_NE(npu_alloc_packet_mem(env, 384), nullptr);
+      }
+    }
+  });
+  EXPECT_EQ(requests(), 30u);
+}
+
+struct feature_case {
+  const char* name;
+  packet_mem_feature feature;
+  std::uint32_t size;
+  std::uint32_t grants;     // the buffer engine's grants for the packet
+  std::int32_t area;        // offset of the result from pkt_mem_start; 1 for none
+  std::uint32_t blocks;     // head blocks held with the area
+  std::uint64_t requests;   // blocks asked of the buffer engine
+  counters drops;           // the packet's global counters
+};
+
+class FeatureAreas : public ::testing::TestWithParam<feature_case> {};
+
+TEST_P(FeatureAreas, AreaOrDropAtTheLimits) {
+  const feature_case& c = GetParam();
+  testkit::npu_harness h;
+  h.npu().gpb().limit_grants(c.grants);
+  struct seen {
+    std::int32_t area = 1;
+    std::uint32_t blocks = 0;
+  } s;
+  pbt::install_test_handler(h, [&](env_t env) {
+    unsigned char* area = packet_mem_alloc(env, c.feature, c.size);
+    if (!area) return;  // the allocator dropped the packet
+    s.blocks = blocks(env);
+    s.area = static_cast<std::int32_t>(area - *ps_get_pkt_mem_start(env));
+    drop_packet_no_counter(env);
+  });
+  const model::packet_outcome o = h.one(pbt::line_packet());
+  EXPECT_EQ(o.end, model::packet_end::freed);
+  EXPECT_EQ(o.global_counters, c.drops);
+  EXPECT_EQ(s.area, c.area);
+  EXPECT_EQ(s.blocks, c.blocks);
+  EXPECT_EQ(h.npu().gpb().requests(), c.requests);
+}
+
+constexpr std::uint32_t ALL = 3;
+INSTANTIATE_TEST_SUITE_P(
+    Limits, FeatureAreas,
+    ::testing::Values(feature_case{"punt_96", PACKET_MEM_PUNT, 96, ALL, -96, 1, 1, {}},
+                      feature_case{"punt_97", PACKET_MEM_PUNT, 97, ALL, 1, 0, 0, {0x145}},
+                      feature_case{"li_80_takes_two_blocks", PACKET_MEM_LI, 80, ALL, -192, 2, 2, {}},
+                      feature_case{"li_81", PACKET_MEM_LI, 81, ALL, 1, 0, 0, {0x145}},
+                      feature_case{"tbpg_16", PACKET_MEM_TBPG, 16, ALL, -112, 1, 1, {}},
+                      feature_case{"tbpg_17", PACKET_MEM_TBPG, 17, ALL, 1, 0, 0, {0x145}},
+                      feature_case{"recycle_refuses_any_size", PACKET_MEM_RECYCLE, 1, ALL, 1, 0, 0, {0x145}},
+                      feature_case{"invalid_feature", PACKET_MEM_INVALID, 16, ALL, 1, 0, 0, {0x299}},
+                      feature_case{"unknown_feature", static_cast<packet_mem_feature>(5), 16, ALL, 1, 0, 0, {0x299}},
+                      feature_case{"size_0", PACKET_MEM_PUNT, 0, ALL, 1, 0, 0, {0x299}},
+                      feature_case{"li_refused_second_block", PACKET_MEM_LI, 80, 1, 1, 0, 2, {0x299}},
+                      feature_case{"punt_refused", PACKET_MEM_PUNT, 96, 0, 1, 0, 1, {0x299}}),
+    [](const ::testing::TestParamInfo<feature_case>& p) { return std::string(p.param.name); });
+
+}  // namespace
