@@ -4,9 +4,11 @@
 #include <cstring>
 #include <string>
 
+#include "classify_requests.h"
 #include "dma_request.h"
 #include "gpb_engine.h"
 #include "platform_ops.h"
+#include "plu_requests.h"
 #include "stats_engine.h"
 #include "tlu_engine.h"
 
@@ -161,6 +163,9 @@ void execute_dma(npu_thread& t, std::uint32_t cmd) {
   if (res == RES_TLU_COUNTERS) return memory_op(r, r.word(0), r.owner().memory().translate(r.word(1)), 2);
   if (is_gpb_resource(res)) return execute_gpb(t, res, r.cmd().req_loc, r.cmd().resp_loc, r.cmd().resp_bytes);
   if (res == RES_TLU_INVALIDATE) return execute_tlu_invalidate(r);
+  if (res == RES_PLU) return execute_plu(r);
+  if (res == RES_ITC_ACL_QOS || res == RES_ITC_DIRECT) return execute_tcam(r);
+  if (res == RES_IGPU) return execute_igpu(r);
   if (res == RES_UNBUILT_HANDLER) return unbuilt_handler_request(r);
   r.breach("request to resource " + std::to_string(res) + ", which nothing serves");
 }

@@ -16,11 +16,14 @@
 
 #include "clock.h"
 #include "gpb_engine.h"
+#include "igpu_engine.h"
 #include "lookup_cells.h"
 #include "packet_io.h"
 #include "page_descriptors.h"
+#include "plu_engine.h"
 #include "stats_memory.h"
 #include "table_memory.h"
+#include "tcam_engine.h"
 #include "tlu_cache.h"
 
 namespace model {
@@ -90,6 +93,9 @@ class npu {
   stats_memory& stats() { return stats_; }
   page_descriptors& pages() { return pages_; }
   model::tlu_cache& tlu_cache() { return tlu_cache_; }
+  plu_engine& plu() { return plu_; }
+  tcam_engine& tcam() { return tcam_; }
+  igpu_engine& igpu() { return igpu_; }
   npu_clock& clock() { return clock_; }
   gpb_engine& gpb() { return gpb_; }
 
@@ -129,6 +135,9 @@ class npu {
   model::tlu_cache tlu_cache_{memory_};
   stats_memory stats_;
   page_descriptors pages_;
+  plu_engine plu_;
+  tcam_engine tcam_;
+  igpu_engine igpu_;
   npu_clock clock_;
   gpb_engine gpb_;
   std::atomic<std::uint32_t> global_config_{0};

@@ -10,13 +10,20 @@
 //   table 0 entry 10      global counter
 //   table 1 entries 8, 9  paged read of the record num mod denom after
 //                         record_index: remainder block, then 16 or 32 bytes
+//   table 1 entries 11,12 PLU search of an IPv4 or IPv6 route: the command is
+//                         the key's first word (code, VRF, first address
+//                         byte), the rest of the address follows in the cell
+#include <array>
 #include <cstdio>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "dma_defs.h"
 #include "platform_ops.h"
+#include "plu_defs.h"
+#include "plu_requests.h"
 #include "stats_engine.h"
 #include "tlu_engine.h"
 
@@ -56,6 +63,10 @@ class template_request {
   std::uint32_t cmd() const { return cmd_; }
   // Word i of the request; word 0 is the command itself.
   std::uint32_t word(std::uint32_t i) const { return load_be32(t_.dmem.data() + req_ + 4 * i); }
+  // Request bytes from `offset` on; a request may run on past its cell.
+  void copy_request(std::uint32_t offset, std::span<std::uint8_t> out) const {
+    std::memcpy(out.data(), t_.dmem.data() + req_ + offset, out.size());
+  }
   // The response area of `bytes` bytes in whole units, cleared; null after a
   // breach if it does not fit where DMA reaches.
   std::uint8_t* response(std::uint32_t bytes) {
@@ -133,6 +144,19 @@ void bucket_read(template_request& r) {
   }
 }
 
+// A PLU search of the key whose first four bytes are the command word and
+// whose rest stands in the request cell behind it.
+void plu_search(template_request& r, std::uint8_t code, std::uint32_t key_bytes) {
+  if (r.cmd() >> 24 != code) return r.breach("PLU search of key code " + std::to_string(r.cmd() >> 24));
+  std::array<std::uint8_t, 20> key{};
+  store_be32(key.data(), r.cmd());
+  r.copy_request(4, {key.data() + 4, key_bytes - 4});
+  std::uint8_t* resp = r.response(PLU_SEARCH_RESP_BYTES);
+  if (!resp) return;
+  const std::string broke = serve_plu_key(r.thread(), {key.data(), key_bytes}, {resp, PLU_SEARCH_RESP_BYTES});
+  if (!broke.empty()) r.breach(broke);
+}
+
 void counter_increment(template_request& r) { r.owner().memory().rmw(r.cmd(), 4, rmw_op::add, 1); }
 
 }  // namespace
@@ -153,6 +177,8 @@ void execute_template(npu_thread& t, std::uint32_t table, std::uint32_t entry, s
     case rtt_index(0, 10): return stats_count_global(t, cmd);
     case rtt_index(1, 8): return mod_read(r, 16);
     case rtt_index(1, 9): return mod_read(r, 32);
+    case rtt_index(1, 11): return plu_search(r, PLU_IPV4_UNICAST, sizeof(plu_ipv4_unicast_key_st));
+    case rtt_index(1, 12): return plu_search(r, PLU_IPV6_UNICAST, sizeof(plu_ipv6_unicast_key_st));
     default: break;
   }
   r.breach("nothing serves it");
