@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "be_types.h"
+#include "dplane/infra/hash.h"
 
 // Storage of a record whose fields its owning feature describes.
 template <std::size_t N>
@@ -365,7 +366,6 @@ enum nf_fwd_status_e : std::uint32_t {
 };
 
 // Records owned by later features: storage only, sized as the packet state holds them.
-using hash_search_context_st = be_opaque<12>;
 using dhcp_binding_key_st = be_opaque<15>;
 using pkt_state_xid_hash_key_st = be_opaque<4>;
 using srv6_ipv6_save_area_2_st = be_opaque<4>;

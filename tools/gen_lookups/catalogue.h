@@ -52,6 +52,25 @@ struct source_pos {
   int line = 0;
 };
 
+// A bucket space of the exact-key tables: its first bucket (0: the caller
+// gives it) and its bucket count.
+struct hash_space {
+  std::uint32_t base = 0;
+  std::uint32_t buckets = 0;
+};
+
+// An exact-key table, a line of [hash_tables].
+struct hash_table {
+  std::string name;
+  std::optional<std::uint32_t> id;        // none: given by the message
+  std::optional<std::uint32_t> key_bits;  // none: given by the message
+  std::string space;
+  std::uint32_t res_offset = 0;  // where the result stands in the entry
+  std::uint32_t res_bytes = 0;
+  bool single = false;      // a lone entry's 8-byte key stands in its bucket
+  bool data_plane = false;  // the data plane writes it; searches keep their place
+};
+
 struct identifiers {
   std::vector<std::string> names;            // order of lookup_id_e, without ID_
   std::map<std::string, std::size_t> engine_of;  // base name -> index in engines
@@ -73,12 +92,24 @@ struct row {
   std::string calls;  // hand-written function behind the request
   std::string view;   // lookup whose slot this view reads
   std::vector<std::string> live;  // live groups; "all" = every group
+  // The cells of a search of an exact-key table: bucket, key, result.
+  std::optional<std::uint32_t> bucket;
+  std::optional<std::uint32_t> key;
+  std::optional<std::uint32_t> res;
 };
 
 struct catalogue {
   identifiers ids;
   std::map<std::string, table_address> tables;
+  std::map<std::string, hash_space> hash_spaces;
+  std::vector<hash_table> hash_tables;  // in file order
   std::vector<row> rows;
+  const hash_table* hash_table_named(const std::string& name) const {
+    for (const hash_table& t : hash_tables) {
+      if (t.name == name) return &t;
+    }
+    return nullptr;
+  }
 };
 
 // A row with everything the generator derives for it.
@@ -94,6 +125,8 @@ struct lookup {
   std::uint32_t record_offset = 0;  // where the protected record begins in the slot
   const lookup* parent = nullptr;   // the lookup whose slot a view reads
   bool has_alloc = false;           // exposes its request cell
+  const hash_table* hash = nullptr;  // a search of an exact-key table
+  std::uint32_t key_bytes = 0;       // hash search: bytes of the entry read into the key cells
   bool has_result() const { return !r->type.empty(); }
   form code() const { return r->calls.empty() ? eng->code : form::none; }
 };

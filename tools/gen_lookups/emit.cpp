@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "hash_rows.h"
 #include "resolve.h"
 
 namespace gen {
@@ -44,6 +45,7 @@ class ops_writer {
   explicit ops_writer(std::ostringstream& out) : out_(out) {}
 
   void write(const lookup& l) {
+    if (l.hash) return emit_hash_search(out_, l);
     id_ = "ID_" + l.r->id;
     comment(l);
     if (!l.r->calls.empty()) {
@@ -194,7 +196,7 @@ std::string ids_header(const catalogue& cat, const std::vector<lookup>& lookups)
   std::size_t res = 0;
   for (const lookup& l : lookups) {
     req += l.has_alloc;
-    res += l.has_result();
+    res += l.hash ? HASH_ROW_RESULTS : l.has_result();
   }
   out << BANNER << "#pragma once\n\n#include <cstdint>\n\n"
       << "// Every lookup of the program, numbered in generator order. The number\n"
@@ -243,12 +245,13 @@ std::string tables_header(const catalogue& cat) {
   out << "}};\n\n// Direct tables: record n at base + n * stride.\n"
       << direct.str() << "\n// Blocks of the global area.\n"
       << global.str();
+  emit_hash_tables(out, cat);
   return out.str();
 }
 
 std::string ops_header(const std::vector<lookup>& lookups) {
   std::ostringstream out;
-  out << BANNER << "#pragma once\n\n#include \"dplane/infra/lookup_support.h\"\n\n";
+  out << BANNER << "#pragma once\n\n#include \"dplane/infra/hash_search.h\"\n#include \"dplane/infra/lookup_support.h\"\n\n";
   std::set<std::string> declared;
   for (const lookup& l : lookups) {
     if (!l.r->calls.empty() && declared.insert(l.r->calls).second) out << "void " << l.r->calls << "(env_t env);\n";
@@ -256,6 +259,12 @@ std::string ops_header(const std::vector<lookup>& lookups) {
   out << "\n";
   ops_writer w(out);
   for (const lookup& l : lookups) w.write(l);
+  out << "// The searches of exact-key tables, for code that runs over all of them.\n"
+      << "#define LOOKUP_HASH_SEARCH_ROWS(X)";
+  for (const lookup& l : lookups) {
+    if (l.hash) out << " \\\n  X(" << l.r->id << ")";
+  }
+  out << "\n";
   return out.str();
 }
 
@@ -272,7 +281,11 @@ std::string source(const catalogue& cat, const std::vector<lookup>& lookups) {
   }
   out << "}};\n\nconst std::array<lookup_place_st, LOOKUP_DBG_RES_COUNT> lookup_result_slots = {{\n";
   for (const lookup& l : lookups) {
-    if (l.has_result()) out << "    {ID_" << l.r->id << ", " << hex(l.slot) << "},\n";
+    if (l.hash) {
+      emit_hash_slots(out, l);
+    } else if (l.has_result()) {
+      out << "    {ID_" << l.r->id << ", " << hex(l.slot) << "},\n";
+    }
   }
   out << "}};\n";
   return out.str();

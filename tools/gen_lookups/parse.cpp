@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "hash_rows.h"
+
 namespace gen {
 
 namespace {
@@ -34,16 +36,6 @@ std::vector<line_view> lines_of(std::string_view text) {
     if (!lv.words.empty()) out.push_back(std::move(lv));
   }
   return out;
-}
-
-std::optional<std::uint32_t> number_of(const std::string& s) {
-  std::uint64_t v = 0;
-  const bool hex = s.size() > 2 && s[0] == '0' && (s[1] == 'x' || s[1] == 'X');
-  const char* first = s.data() + (hex ? 2 : 0);
-  const char* last = s.data() + s.size();
-  auto [ptr, ec] = std::from_chars(first, last, v, hex ? 16 : 10);
-  if (ec != std::errc{} || ptr != last || first == last || v > 0xFFFFFFFFull) return std::nullopt;
-  return static_cast<std::uint32_t>(v);
 }
 
 bool is_name(const std::string& s) {
@@ -154,6 +146,16 @@ void add_name(identifiers& ids, std::set<std::string>& seen, const std::string& 
 
 }  // namespace
 
+std::optional<std::uint32_t> number_of(const std::string& s) {
+  std::uint64_t v = 0;
+  const bool hex = s.size() > 2 && s[0] == '0' && (s[1] == 'x' || s[1] == 'X');
+  const char* first = s.data() + (hex ? 2 : 0);
+  const char* last = s.data() + s.size();
+  auto [ptr, ec] = std::from_chars(first, last, v, hex ? 16 : 10);
+  if (ec != std::errc{} || ptr != last || first == last || v > 0xFFFFFFFFull) return std::nullopt;
+  return static_cast<std::uint32_t>(v);
+}
+
 void parse_identifiers(std::string_view text, const std::string& file, catalogue& cat, errors& errs) {
   reporter report(file, errs);
   identifiers& ids = cat.ids;
@@ -254,9 +256,15 @@ void parse_tables(std::string_view text, const std::string& file, catalogue& cat
           }
         }
         if (area_stride == 0) report(lv.number, "global_blocks without a stride");
-      } else if (section != "paged" && section != "direct") {
+      } else if (section != "paged" && section != "direct" && section != "hash_spaces" &&
+                 section != "hash_tables") {
         report(lv.number, "unknown section '" + section + "'");
       }
+      continue;
+    }
+    if (section == "hash_spaces" || section == "hash_tables") {
+      const line_report hash_report = [&](int line, const std::string& what) { report(line, what); };
+      (section == "hash_spaces" ? parse_hash_space : parse_hash_table)(w, lv.number, cat, hash_report);
       continue;
     }
     std::size_t first_name = 0;
@@ -333,13 +341,18 @@ void parse_lookups(std::string_view text, const std::string& file, catalogue& ca
         ok = false;
         continue;
       }
-      if (key == "slot" || key == "cell") {
+      if (key == "slot" || key == "cell" || key == "bucket" || key == "key" || key == "res") {
         auto n = number_of(value);
         if (!n) {
           report(lv.number, "ID_" + r.id + ": " + key + " '" + value + "' is not a number");
           ok = false;
         }
-        (key == "slot" ? r.slot : r.cell) = n;
+        std::optional<std::uint32_t>& place = key == "slot"     ? r.slot
+                                              : key == "cell"   ? r.cell
+                                              : key == "bucket" ? r.bucket
+                                              : key == "key"    ? r.key
+                                                                : r.res;
+        place = n;
       } else if (key == "type" || key == "calls") {
         if (!is_cpp_name(value)) {
           report(lv.number, "ID_" + r.id + ": " + key + " '" + value + "' is not a C++ name");

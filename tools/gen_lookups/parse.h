@@ -2,6 +2,7 @@
 // catalogue and appends one message per fault, "file:line: what".
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "catalogue.h"
@@ -11,5 +12,8 @@ namespace gen {
 void parse_identifiers(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
 void parse_tables(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
 void parse_lookups(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
+
+// A decimal or 0x-hexadecimal 32-bit number.
+std::optional<std::uint32_t> number_of(const std::string& s);
 
 }  // namespace gen

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "hash_rows.h"
+
 namespace gen {
 
 namespace {
@@ -56,6 +58,10 @@ std::string describe(const region& r) { return std::string(r.what) + " " + hex(r
 
 std::vector<region> regions_of(const lookup& l) {
   std::vector<region> out;
+  if (l.hash) {
+    for (const hash_region& h : hash_regions(l)) out.push_back({h.begin, h.begin + h.bytes, h.what});
+    return out;
+  }
   if (l.cell_bytes > 0) out.push_back({l.cell, l.cell + l.cell_bytes, "cell"});
   if (l.slot_bytes > 0) out.push_back({l.slot, l.slot + l.slot_bytes, "slot"});
   return out;
@@ -86,6 +92,10 @@ class row_checker {
     ok_ = true;
     l.r = &r;
     if (!split_identifier(r)) return false;
+    if (const hash_table* t = cat_.hash_table_named(base_)) {
+      resolve_hash_row(cat_, r, *t, l, [&](const std::string& what) { fail(r, what); });
+      return ok_;
+    }
     if (!find_engine(r, l)) return false;
     const form code = l.code();
     const form_rules rules = rules_of(code);
@@ -115,7 +125,7 @@ class row_checker {
     const std::size_t sep = r.id.find("__");
     base_ = r.id.substr(0, sep);
     const std::string tag = sep == std::string::npos ? "" : r.id.substr(sep + 2);
-    if (!cat_.ids.engine_of.count(base_) && !cat_.ids.hash_ids.count(base_)) {
+    if (!cat_.ids.engine_of.count(base_) && !cat_.ids.hash_ids.count(base_) && !cat_.hash_table_named(base_)) {
       fail(r, "base name " + base_ + " is not in identifiers.txt");
     }
     if (sep != std::string::npos && !cat_.ids.tags.count(tag)) fail(r, "tag " + tag + " is not in identifiers.txt");
@@ -169,6 +179,13 @@ class row_checker {
 
 void check_place(row_checker& check, const lookup& l) {
   const row& r = *l.r;
+  if (l.hash) {
+    for (const region& g : regions_of(l)) {
+      if (g.begin % CELL != 0) check.fail(r, describe(g) + " does not start at a multiple of 16");
+      if (g.end > DMA_REACH) check.fail(r, describe(g) + " reaches past the first 1024 bytes of data memory");
+    }
+    return;
+  }
   const bool has_cell = rules_of(l.code()).cell || l.cell_bytes > 0;
   if (has_cell && !rules_of(l.code()).result) {
     if (l.cell % CELL != 0) check.fail(r, "cell " + hex(l.cell) + " is not a multiple of 16");
@@ -243,7 +260,10 @@ std::vector<std::string> enum_names(const catalogue& cat) {
   std::vector<std::string> names = cat.ids.names;
   std::set<std::string> seen(names.begin(), names.end());
   for (const row& r : cat.rows) {
-    if (seen.insert(r.id).second) names.push_back(r.id);
+    const bool search = cat.hash_table_named(r.id.substr(0, r.id.find("__"))) != nullptr;
+    for (const std::string& id : search ? hash_row_ids(r) : std::vector<std::string>{r.id}) {
+      if (seen.insert(id).second) names.push_back(id);
+    }
   }
   return names;
 }

@@ -1,0 +1,53 @@
+// The search of the exact-key tables, in three parts that a path spreads over
+// its body so that the reads overlap with its other work:
+//   part 1  hash the key, ask for the home bucket
+//   part 2  look at the bucket (and its chain), ask for the entry whose
+//           signature fits
+//   part 3  compare the entry's table id and key; on a mismatch go on from
+//           the next entry
+// The catalogue generates, per table and tag, the lookups <T>_BUCKET_0,
+// _BUCKET_1, _BUCKET, _KEY, _RES and hash_search_part_N_ID_<T>, which call
+// these with the table's description and its cells.
+#pragma once
+
+#include <cstdint>
+
+#include "dplane/infra/hash.h"
+#include "dplane/infra/lookup_support.h"
+#include "fwc_hash.h"
+
+// A search row of the catalogue: the table and where its reads land.
+struct hash_search_desc_st {
+  lookup_hash_table_st table;
+  lookup_id_e bucket_0;  // the home bucket's read
+  lookup_id_e bucket_1;  // a chained bucket's read, into the same cell
+  lookup_id_e bucket;    // the bucket in its cell
+  lookup_id_e key;       // the entry's table id and key
+  lookup_id_e res;       // the entry's result
+  std::uint32_t bucket_cell;
+  std::uint32_t key_cell;
+  std::uint32_t key_read_bytes;  // the entry from byte 0 through the key, in 16-byte units
+  std::uint32_t res_cell;
+};
+
+// Bucket `num` mod `denom` from bucket `index` of the table's space.
+void hash_request_bucket_0(env_t env, const hash_search_desc_st& d, std::uint32_t index, std::uint32_t num,
+                           std::uint32_t denom);
+// The bucket at bucket_addr.
+void hash_request_bucket_1(env_t env, const hash_search_desc_st& d, memaddr_t bucket_addr);
+void hash_request_key(env_t env, const hash_search_desc_st& d, memaddr_t entry_addr);
+void hash_request_result(env_t env, const hash_search_desc_st& d, memaddr_t entry_addr);
+// `owner` is the read that filled the bucket cell.
+hash_search_bucket_st* hash_result_bucket(env_t env, const hash_search_desc_st& d, lookup_id_e owner);
+hash_search_key_st* hash_result_key(env_t env, const hash_search_desc_st& d);
+std::uint8_t* hash_result(env_t env, const hash_search_desc_st& d, std::uint32_t bytes);
+
+void hash_search_part_1(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context);
+void hash_search_part_2(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context);
+// Part 2 from entry bucket_entry_index of the bucket in the cell, through the chain.
+void hash_search_part_2_from(env_t env, const hash_search_desc_st& d, hash_search_context_st* context);
+hash_search_rc_t hash_search_part_3(env_t env, const hash_search_desc_st& d, void* key,
+                                    hash_search_context_st* context);
+// The compare loop of part 3: on a mismatch, part 2 from the next entry.
+hash_search_rc_t hash_search_part_3_multiple_entry(env_t env, const hash_search_desc_st& d, void* key,
+                                                   hash_search_context_st* context);
