@@ -1,9 +1,11 @@
 #include "hash_search.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "dplane/infra/util.h"
 #include "npu/zephra/hash_fns.h"
+#include "npu/zephra/tlu.h"
 
 namespace {
 
@@ -17,6 +19,12 @@ constexpr std::uint32_t READ_16B = 16;
 constexpr std::uint32_t READ_32B = 32;
 constexpr std::uint32_t RTT_READ_16B = rtt_index(0, 2);
 constexpr std::uint32_t RTT_READ_32B = rtt_index(0, 3);
+constexpr std::uint32_t RTT_READ_16B_UNCACHED = rtt_index(0, 6);
+// The modulus of the caller's space: request at 0x020, answer at 0. The
+// first 64 bytes of data memory are put back behind it.
+constexpr std::uint32_t MOD_REQ_CELL = 0x020;
+constexpr std::uint32_t MOD_RESP_CELL = 0x000;
+constexpr std::uint32_t MOD_BORROWED_BYTES = 64;
 
 void read_by_address(memaddr_t addr, std::uint32_t loc, std::uint32_t bytes) {
   qrsc(bytes == READ_32B ? RTT_READ_32B : RTT_READ_16B, addr, loc, loc);
@@ -128,6 +136,29 @@ void hash_search_part_1(env_t env, const hash_search_desc_st& d, void* key, hash
     ext_of(context) = {};
     ext_of(context).bucket_addr = d.table.bucket_base + hash % d.table.bucket_count * HASH_BUCKET_BYTES;
   }
+}
+
+// The remainder of num by denom from the TLU's modulus command.
+std::uint32_t tlu_remainder(env_t env, std::uint32_t num, std::uint32_t denom) {
+  std::uint8_t borrowed[MOD_BORROWED_BYTES];
+  std::memcpy(borrowed, env_get_dmem_start(env), sizeof borrowed);
+  tlu_mod(env, RES_TLU_DIV, {denom, num}, MOD_REQ_CELL, MOD_RESP_CELL);
+  const std::uint32_t rem = dma_cell_words(env, MOD_RESP_CELL)[0].get();
+  std::memcpy(env_get_dmem_start(env), borrowed, sizeof borrowed);
+  return rem;
+}
+
+void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key,
+                                  hash_search_context_st* context, memaddr_t base_addr) {
+  const std::uint32_t hash =
+      generic_hash_func(hash_func_for_key_bits(d.table.key_bits), static_cast<unsigned char*>(key));
+  const std::uint32_t r = tlu_remainder(env, hash, d.table.bucket_count);
+  const memaddr_t bucket = base_addr + r * HASH_BUCKET_BYTES;
+  lookup_dbg_note_request(env, d.bucket_0, d.bucket_cell, 0, d.bucket_cell, HASH_BUCKET_BYTES);
+  qrsc(RTT_READ_16B_UNCACHED, bucket, d.bucket_cell, d.bucket_cell);
+  context->bucket_hash_value = hash >> SIGNATURE_SHIFT;
+  ext_of(context).bucket_addr = bucket;
+  ext_of(context).prev_bucket_addr = (r & 1) ? bucket - HASH_BUCKET_BYTES : 0;
 }
 
 void hash_search_part_2(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context) {

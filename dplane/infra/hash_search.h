@@ -43,6 +43,12 @@ hash_search_key_st* hash_result_key(env_t env, const hash_search_desc_st& d);
 std::uint8_t* hash_result(env_t env, const hash_search_desc_st& d, std::uint32_t bytes);
 
 void hash_search_part_1(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context);
+// Part 1 in the space whose first bucket the caller gives, 32-byte groups of
+// two buckets: the remainder comes from the TLU, the bucket is read without
+// cache allocation, and a bucket of odd number has its group's first bucket
+// as prev_bucket_addr.
+void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key,
+                                  hash_search_context_st* context, memaddr_t base_addr);
 void hash_search_part_2(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context);
 // Part 2 from entry bucket_entry_index of the bucket in the cell, through the chain.
 void hash_search_part_2_from(env_t env, const hash_search_desc_st& d, hash_search_context_st* context);

@@ -69,6 +69,7 @@ struct hash_table {
   std::uint32_t res_bytes = 0;
   bool single = false;      // a lone entry's 8-byte key stands in its bucket
   bool data_plane = false;  // the data plane writes it; searches keep their place
+  bool caller_base = false; // its space's first bucket comes from the caller
 };
 
 struct identifiers {

@@ -259,10 +259,11 @@ std::string ops_header(const std::vector<lookup>& lookups) {
   out << "\n";
   ops_writer w(out);
   for (const lookup& l : lookups) w.write(l);
-  out << "// The searches of exact-key tables, for code that runs over all of them.\n"
+  out << "// The searches of exact-key tables whose part 1 takes (env, key, context),\n"
+      << "// for code that runs over all of them.\n"
       << "#define LOOKUP_HASH_SEARCH_ROWS(X)";
   for (const lookup& l : lookups) {
-    if (l.hash) out << " \\\n  X(" << l.r->id << ")";
+    if (l.hash && !l.hash->caller_base) out << " \\\n  X(" << l.r->id << ")";
   }
   out << "\n";
   return out.str();

@@ -85,7 +85,11 @@ void parse_hash_table(const std::vector<std::string>& words, int line, catalogue
       report(line, "hash table " + t.name + ": unknown flag '" + words[i] + "'");
     }
   }
-  if (!cat.hash_spaces.count(t.space)) report(line, "hash table " + t.name + ": no hash space " + t.space);
+  if (!cat.hash_spaces.count(t.space)) {
+    report(line, "hash table " + t.name + ": no hash space " + t.space);
+  } else {
+    t.caller_base = cat.hash_spaces.at(t.space).base == 0;
+  }
   if (t.id && *t.id > 255) report(line, "hash table " + t.name + ": hash_tbl_id above 255");
   if (t.key_bits && !KEY_WIDTHS.count(*t.key_bits)) {
     report(line, "hash table " + t.name + ": no table hash folds a key of " + words[2] + " bits");
@@ -115,9 +119,6 @@ void resolve_hash_row(const catalogue& cat, const row& r, const hash_table& t, l
   l.eng = &search_engine;
   l.hash = &t;
   if (!t.id || !t.key_bits) fail("table " + t.name + " has no search of its own: the message gives its key");
-  if (cat.hash_spaces.at(t.space).base == 0) {
-    fail("table " + t.name + " lies in a space whose first bucket the caller gives; its search has a form of its own");
-  }
   for (const char* s : ROW_SUFFIXES) {
     if (!cat.ids.hash_ids.count(t.name + "_" + s)) fail("table " + t.name + " is not among the hash families");
   }
@@ -196,9 +197,15 @@ void emit_hash_search(std::ostringstream& out, const lookup& l) {
     out << "inline std::uint32_t lookup_result_dmem_offset_" << id(s) << "(env_t) { return " << hex(at) << "; }\n";
   }
   const std::string args = "(env_t env, void* key, hash_search_context_st* context)";
-  out << "inline void hash_search_part_1_ID_" << r.id << args << " { hash_search_part_1(env, " << desc
-      << ", key, context); }\n"
-      << "inline void hash_search_part_2_ID_" << r.id << args << " { hash_search_part_2(env, " << desc
+  if (t.caller_base) {
+    out << "inline void hash_search_part_1_ID_" << r.id
+        << "(env_t env, void* key, hash_search_context_st* context, memaddr_t base_addr) {\n"
+        << "  hash_search_part_1_base_addr(env, " << desc << ", key, context, base_addr);\n}\n";
+  } else {
+    out << "inline void hash_search_part_1_ID_" << r.id << args << " { hash_search_part_1(env, " << desc
+        << ", key, context); }\n";
+  }
+  out << "inline void hash_search_part_2_ID_" << r.id << args << " { hash_search_part_2(env, " << desc
       << ", key, context); }\n";
   for (const char* form : {"internal", "slow"}) {
     out << "inline void hash_search_part_2_" << form << "_ID_" << r.id
