@@ -155,3 +155,65 @@ TEST_F(GroupWrites, EachHalfChangesAloneAndAFullHalfRefuses) {
 }
 
 }  // namespace
+
+// The MAP-T logging table: its buckets lie where the caller says, in groups
+// of two, and the data plane writes them with the group forms.
+class CallerSpace : public testing::Test {
+ protected:
+  testkit::npu_harness h;
+  const lookup_hash_table_st& t = HASH_TABLE_MAPT_LOGG_HASH;
+  static constexpr memaddr_t BASE = 0x48000000;
+  static constexpr memaddr_t ENTRY = 0xAA000000;
+
+  // A key whose bucket number is odd (the second of its group) or even.
+  bytes key_in_half(std::uint32_t half) {
+    for (std::uint32_t seed = 1;; ++seed) {
+      bytes k = key_of(key_width(t), seed);
+      if (ctrl::hash_table_key_hash(t, k) % t.bucket_count % 2 == half) return k;
+    }
+  }
+  hash_search_rc_t search_into(hash_manage_context_st& ctx, bytes key, bytes* result = nullptr) {
+    hash_search_rc_t rc{};
+    h.on_thread([&](env_t env) {
+      lookup_dbg_new_pass(env);
+      ctx = {};
+      hash_search_part_1_ID_MAPT_LOGG_HASH__TAIL(env, key.data(), &ctx.search_ctx, BASE);
+      hash_search_part_2_ID_MAPT_LOGG_HASH__TAIL(env, key.data(), &ctx.search_ctx);
+      rc = hash_search_part_3_ID_MAPT_LOGG_HASH__TAIL(env, key.data(), &ctx.search_ctx);
+      if (rc == HASH_SEARCH_RC_MATCH && result) {
+        const hash_search_result_st* r = lookup_result_ID_MAPT_LOGG_HASH_RES__TAIL(env);
+        result->assign(r->bytes, r->bytes + 8);
+      }
+    });
+    return rc;
+  }
+};
+
+TEST_F(CallerSpace, ASecondHalfBucketIsFoundInsertedAndDeletedAloneInItsGroup) {
+  const bytes k = key_in_half(1);
+  const memaddr_t bucket = BASE + ctrl::hash_table_key_hash(t, k) % t.bucket_count * HASH_BUCKET_BYTES;
+  hash_manage_context_st ctx{};
+  ASSERT_EQ(search_into(ctx, k), HASH_SEARCH_RC_NO_MATCH);
+  EXPECT_EQ(ctx.ext.bucket_addr.get(), bucket);
+  EXPECT_EQ(ctx.ext.prev_bucket_addr.get(), bucket - HASH_BUCKET_BYTES);
+
+  write_entry(h, t, ENTRY, k, result_of(0x6D));
+  h.on_thread([&](env_t env) { EXPECT_EQ(hash_insert_32B(env, &ctx, ENTRY, 0), TRUE); });
+  bytes result;
+  ASSERT_EQ(search_into(ctx, k, &result), HASH_SEARCH_RC_MATCH);
+  EXPECT_EQ(result, result_of(0x6D));
+  EXPECT_EQ(hash_chain_unpack(0, read_bucket(h, bucket - HASH_BUCKET_BYTES)).count, 0u);
+
+  h.on_thread([&](env_t env) { EXPECT_EQ(hash_delete_32B(env, &ctx, 0), ENTRY); });
+  EXPECT_EQ(search_into(ctx, k), HASH_SEARCH_RC_NO_MATCH);
+}
+
+TEST_F(CallerSpace, AFirstHalfBucketHasNoPredecessor) {
+  const bytes k = key_in_half(0);
+  hash_manage_context_st ctx{};
+  ASSERT_EQ(search_into(ctx, k), HASH_SEARCH_RC_NO_MATCH);
+  EXPECT_EQ(ctx.ext.prev_bucket_addr.get(), 0u);
+  write_entry(h, t, ENTRY, k, result_of(0x6E));
+  h.on_thread([&](env_t env) { EXPECT_EQ(hash_insert_32B(env, &ctx, ENTRY, 0), TRUE); });
+  EXPECT_EQ(search_into(ctx, k), HASH_SEARCH_RC_MATCH);
+}
