@@ -1,0 +1,55 @@
+// Shared helpers of the search engine tests: cells of data memory, records
+// read back as bytes, and route leaves that tell themselves apart.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "ctrl/page_descriptors.h"
+#include "ctrl/plu_routes.h"
+#include "ctrl/protected_records.h"
+#include "dma_common.h"
+#include "testkit/npu_harness.h"
+
+namespace st {
+
+constexpr std::uint32_t REQ = 0x100;
+constexpr std::uint32_t RESP = 0x200;
+
+inline std::uint8_t* dmem_at(env_t env, std::uint32_t loc) { return env_get_dmem_start(env) + loc; }
+
+template <class Rec>
+Rec record_at(env_t env, std::uint32_t loc) {
+  Rec r;
+  std::memcpy(r.bytes, dmem_at(env, loc), sizeof r.bytes);
+  return r;
+}
+
+inline std::vector<std::uint8_t> bytes_at(env_t env, std::uint32_t loc, std::size_t n) {
+  return {dmem_at(env, loc), dmem_at(env, loc) + n};
+}
+
+// A leaf whose bytes all carry `tag`.
+inline ctrl::route_leaf leaf_of(std::uint8_t tag) {
+  ctrl::route_leaf l;
+  l.fill(tag);
+  return l;
+}
+
+inline model::ip_bytes ipv6(std::initializer_list<std::uint16_t> groups) {
+  model::ip_bytes b{};
+  std::size_t i = 0;
+  for (std::uint16_t g : groups) {
+    b[i++] = static_cast<std::uint8_t>(g >> 8);
+    b[i++] = static_cast<std::uint8_t>(g);
+  }
+  return b;
+}
+
+inline void use_threadsafe_death_tests() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+}  // namespace st

@@ -1,0 +1,180 @@
+// The TLU front end against the model: the cache policy's choice of
+// resource, reads into any memory, the modulus command and its member
+// reads, paged translation, and the strict cache that keeps stale lines
+// until an invalidate.
+#include "npu/zephra/tlu.h"
+
+#include "search_test_util.h"
+
+namespace {
+
+using namespace st;
+
+constexpr std::uint32_t ADDR = 0x40460000;
+
+std::array<std::uint8_t, 32> numbered(std::uint8_t first) {
+  std::array<std::uint8_t, 32> r;
+  for (std::uint32_t i = 0; i < r.size(); ++i) r[i] = static_cast<std::uint8_t>(first + i);
+  return r;
+}
+
+// Only a read with allocation leaves a line in the strict cache, so the
+// count of lines tells which resource a read went to.
+struct policy_case {
+  std::uint32_t thread;
+  tlu_cache_policy_e policy;
+  bool allocates;
+};
+
+class TluCachePolicy : public testing::TestWithParam<policy_case> {};
+
+TEST_P(TluCachePolicy, PicksTheResourceWithOrWithoutAllocation) {
+  const policy_case& c = GetParam();
+  testkit::npu_harness h(1, 18);
+  h.npu().tlu_cache().set_strict(true);
+  h.on_thread([&](env_t env) { tlu_read_32B(env, ADDR, REQ, RESP, c.policy); }, 0, c.thread);
+  EXPECT_EQ(h.npu().tlu_cache().lines(), c.allocates ? 1u : 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, TluCachePolicy,
+                         testing::Values(policy_case{16, TLU_CACHE_PERIODIC, true},
+                                         policy_case{0, TLU_CACHE_PERIODIC, false},
+                                         policy_case{17, TLU_CACHE_PERIODIC, false},
+                                         policy_case{0, TLU_CACHE_ALWAYS, true},
+                                         policy_case{16, TLU_CACHE_NEVER, false}));
+
+TEST(TluReads, EachSizeDeliversItsBytesByAddressAndByPage) {
+  testkit::npu_harness h;
+  const auto rec = numbered(0x10);
+  ctrl::write_record(h.npu(), ADDR, rec);
+  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR - 2 * 32, 32), ctrl::error::none);
+  h.on_thread([&](env_t env) {
+    tlu_read_4B(env, ADDR, 0, REQ, RESP, TLU_CACHE_ALWAYS);
+    EXPECT_EQ(bytes_at(env, RESP, 8), std::vector<std::uint8_t>({0x10, 0x11, 0x12, 0x13, 0, 0, 0, 0}));
+    tlu_read_8B(env, ADDR, 0, REQ, RESP, TLU_CACHE_NEVER);
+    EXPECT_EQ(bytes_at(env, RESP, 8), std::vector<std::uint8_t>(rec.begin(), rec.begin() + 8));
+    tlu_read_16B(env, ADDR, 0, REQ, RESP, TLU_CACHE_PERIODIC);
+    EXPECT_EQ(bytes_at(env, RESP, 16), std::vector<std::uint8_t>(rec.begin(), rec.begin() + 16));
+    tlu_read_32B_paging(env, 2, 9, REQ, RESP, TLU_CACHE_ALWAYS);
+    EXPECT_EQ(bytes_at(env, RESP, 32), std::vector<std::uint8_t>(rec.begin(), rec.end()));
+  });
+}
+
+TEST(TluReads, ReadIntoAnyMemoryLeavesTheFirstDataMemoryBytesAsTheyWere) {
+  testkit::npu_harness h;
+  const auto rec = numbered(0x40);
+  ctrl::write_record(h.npu(), ADDR, rec);
+  h.on_thread([&](env_t env) {
+    const auto before = bytes_at(env, 0, 32);
+    std::array<std::uint8_t, 32> out{};
+    tlu_read_32B_no_dmem(env, ADDR, out.data(), TLU_CACHE_ALWAYS);
+    EXPECT_EQ(out, rec);
+    EXPECT_EQ(bytes_at(env, 0, 32), before);
+    std::array<std::uint8_t, 16> half{};
+    tlu_read_16B_no_dmem(env, ADDR + 16, 0, half.data(), TLU_CACHE_NEVER);
+    EXPECT_TRUE(std::equal(half.begin(), half.end(), rec.begin() + 16));
+    EXPECT_EQ(bytes_at(env, 0, 32), before);
+  });
+}
+
+TEST(TluMod, TenOverThreeGivesRemainderOneQuotientThree) {
+  testkit::npu_harness h;
+  h.on_thread([&](env_t env) {
+    tlu_mod(env, RES_TLU_DIV, {3, 10}, REQ, RESP);
+    const auto r = record_at<tlu_long_div_rmr_response_>(env, RESP);
+    EXPECT_EQ(tlu_long_div_rmr_response_::mod_rem::get(r), 1u);
+    EXPECT_EQ(tlu_long_div_rmr_response_::mod_quot::get(r), 3u);
+  });
+}
+
+// Members of 16 and 32 bytes from ADDR, member i filled from 0x20 * i.
+void write_members(testkit::npu_harness& h) {
+  for (std::uint8_t i = 0; i < 4; ++i) {
+    const auto m = numbered(static_cast<std::uint8_t>(0x20 * i));
+    ctrl::write_record(h.npu(), ADDR + 32u * i, m);
+  }
+  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR, 16), ctrl::error::none);
+}
+
+TEST(TluMod, MemberReadsTakeTheRemainderThMember) {
+  testkit::npu_harness h;
+  write_members(h);
+  const tlu_mod_operands_st seven_by_four{4, 7};  // remainder 3
+  h.on_thread([&](env_t env) {
+    const tlu_mod_loc_st loc{REQ, RESP, TLU_CACHE_ALWAYS};
+    tlu_mod_return_result_read_32B_of_32B(env, ADDR, RES_TLU_DIV, seven_by_four, loc);
+    EXPECT_EQ(tlu_long_div_rmr_response_::mod_rem::get(record_at<tlu_long_div_rmr_response_>(env, RESP)), 3u);
+    const auto member3 = numbered(0x60);
+    EXPECT_EQ(bytes_at(env, RESP + 8, 32), std::vector<std::uint8_t>(member3.begin(), member3.end()));
+
+    tlu_mod_read_16B(env, ADDR, RES_TLU_DIV, seven_by_four, loc);  // 16-byte members: the second half of member 1
+    EXPECT_EQ(*dmem_at(env, RESP), 0x30);
+
+    tlu_mod_return_result_read_16B_paging(env, 1, 9, seven_by_four, loc);  // record 1 + 3 of 16 bytes
+    EXPECT_EQ(tlu_long_div_rmr_response_::mod_quot::get(record_at<tlu_long_div_rmr_response_>(env, RESP)), 1u);
+    EXPECT_EQ(*dmem_at(env, RESP + 8), 0x40);
+
+    tlu_mod_read_4B(env, ADDR, RES_TLU_DIV, {4, 6}, loc);  // remainder 2: the third word
+    EXPECT_EQ(bytes_at(env, RESP, 4), std::vector<std::uint8_t>({0x08, 0x09, 0x0A, 0x0B}));
+  });
+}
+
+TEST(TluTranslation, PagedTranslationGivesTheRecordOrTheDescriptorError) {
+  testkit::npu_harness h;
+  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 20, ADDR, 32), ctrl::error::none);
+  h.on_thread([&](env_t env) {
+    tmu_lpa_paging(env, 5, 20, REQ, RESP);
+    EXPECT_FALSE(tmu_lpa_paging_failed(env, RESP));
+    EXPECT_EQ(tmu_lpa_paging_get_lo(env, RESP), ADDR + 5 * 32);
+    EXPECT_EQ(tmu_lpa_paging_get_hi(env, RESP), 0u);
+    tmu_lpa_paging(env, 5, 9, REQ, RESP);  // no descriptor 9
+    EXPECT_TRUE(tmu_lpa_paging_failed(env, RESP));
+    tmu_lpa(env, ADDR, RES_TLU_DIV, REQ, RESP);
+    EXPECT_EQ(tmu_lpa_get_lo(env, RESP), ADDR);
+  });
+}
+
+class StrictTluCache : public testing::Test {
+ protected:
+  void SetUp() override {
+    h.npu().tlu_cache().set_strict(true);
+    ctrl::write_record(h.npu(), ADDR, numbered(1));
+  }
+  std::uint8_t cached_first_byte() {
+    std::uint8_t b = 0;
+    h.on_thread([&](env_t env) {
+      tlu_read_32B(env, ADDR, REQ, RESP, TLU_CACHE_ALWAYS);
+      b = *dmem_at(env, RESP);
+    });
+    return b;
+  }
+  testkit::npu_harness h;
+};
+
+TEST_F(StrictTluCache, AWriterThatForgetsToInvalidateLeavesReadersOnTheOldRecord) {
+  EXPECT_EQ(cached_first_byte(), 1);
+  h.npu().memory().write(ADDR, numbered(2));
+  EXPECT_EQ(cached_first_byte(), 1);
+  h.on_thread([&](env_t env) { tlu_invalidate(env, 0, ADDR + 8, FALSE, REQ, RESP); });
+  EXPECT_EQ(cached_first_byte(), 2);
+}
+
+TEST_F(StrictTluCache, ReadsWithoutAllocationSeeMemory) {
+  EXPECT_EQ(cached_first_byte(), 1);
+  h.npu().memory().write(ADDR, numbered(2));
+  h.on_thread([&](env_t env) {
+    tlu_read_32B(env, ADDR, REQ, RESP, TLU_CACHE_NEVER);
+    EXPECT_EQ(*dmem_at(env, RESP), 2);
+  });
+}
+
+TEST_F(StrictTluCache, ControlSideAndInvalidatingProgramWritesAreSeen) {
+  EXPECT_EQ(cached_first_byte(), 1);
+  ctrl::write_record(h.npu(), ADDR, numbered(3));
+  EXPECT_EQ(cached_first_byte(), 3);
+  const auto rec = numbered(4);
+  h.on_thread([&](env_t env) { dma_write_32B(env, ADDR, RES_TLU_LONG, rec.data(), REQ, RESP, {FALSE, TRUE, TRUE}); });
+  EXPECT_EQ(cached_first_byte(), 4);
+}
+
+}  // namespace
