@@ -8,6 +8,7 @@
 
 #include "be_types.h"
 #include "dplane/infra/hash.h"
+#include "mpls.h"
 
 // Storage of a record whose fields its owning feature describes.
 template <std::size_t N>
@@ -220,14 +221,6 @@ struct ip_l4_info_st {
 };
 static_assert(sizeof(ip_l4_info_st) == 8);
 
-// An MPLS header word: label (20), traffic class (3), bottom of stack (1), TTL (8).
-struct mpls_hdr_st {
-  std::uint8_t bytes[4];
-  using label = be_bits<0, 0, 20>;
-  using exp = be_bits<2, 4, 3>;
-  using eos = be_bits<2, 7, 1>;
-  using ttl = be_bits<3, 0, 8>;
-};
 
 struct mpls_label_lkp_key_st {
   std::uint8_t bytes[4];
