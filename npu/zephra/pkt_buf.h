@@ -42,6 +42,10 @@ inline std::int32_t pkt_get_cur_offset(env_t env, const std::uint8_t* cur_ptr) {
 // Bytes of the packet from pkt_ptr on; bytes ahead of the arrival start
 // count as part of the packet.
 std::uint32_t pkt_get_bytes_remaining(env_t env, const std::uint8_t* pkt_ptr);
+// The first byte behind the packet as it stands now.
+inline const std::uint8_t* pkt_get_rx_packet_end(env_t env) {
+  return pkt_get_rx_pkt_start(env) + pkt_get_rx_packet_length(env);
+}
 
 // TRUE after dropping a fabric packet that the hardware marked bad.
 boolean_t npu_verify_dst_error(env_t env, std::uint32_t dst_format);
