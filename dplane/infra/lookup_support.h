@@ -11,6 +11,7 @@
 #include "dplane/infra/lookup_ids.h"
 #include "dplane/infra/lookup_tables.h"
 #include "dplane/infra/lookup_types.h"
+#include "npu/zephra/plu.h"
 #include "npu/zephra/stats.h"
 #include "tlu_defs.h"
 

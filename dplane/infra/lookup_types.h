@@ -6,3 +6,4 @@
 #include "fwc_port.h"
 #include "fwc_uidb.h"
 #include "npu/zephra/stats.h"
+#include "plu_defs.h"

@@ -25,6 +25,8 @@ enum class form {
   stats_uidb_add_inc_twin,      // two entries of one block from one cell
   stats_inc_dyn_pool_cnt,       // one packet, no bytes, at stat_index + offset
   stats_read_clr_dyn_pool_cnt,  // physical read-and-clear of an entry
+  plu_ipv4,                     // PLU route search: the key's first word is the command
+  plu_ipv6,                     // the same for an IPv6 address
   view,                         // no request: a typed window on a slot
 };
 
@@ -93,6 +95,7 @@ struct row {
   std::string calls;  // hand-written function behind the request
   std::string view;   // lookup whose slot this view reads
   std::vector<std::string> live;  // live groups; "all" = every group
+  bool ipv6 = false;  // family=ipv6: the IPv6 search of a route table named once for both families
   // The cells of a search of an exact-key table: bucket, key, result.
   std::optional<std::uint32_t> bucket;
   std::optional<std::uint32_t> key;

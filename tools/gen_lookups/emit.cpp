@@ -85,6 +85,10 @@ class ops_writer {
       case form::stats_read_clr_dyn_pool_cnt:
         stats_request(l, "std::uint32_t stat_index", "stats_read_clr_dyn_pool_cnt_request", "stat_index");
         break;
+      case form::plu_ipv4: plu_request(l, "std::uint32_t ipv4_addr", "plu_lookup_request_ipv4", "ipv4_addr"); break;
+      case form::plu_ipv6:
+        plu_request(l, "const std::uint8_t* ipv6_addr", "plu_lookup_request_ipv6", "ipv6_addr");
+        break;
       case form::view:
       case form::none: break;
     }
@@ -136,6 +140,14 @@ class ops_writer {
     note_request(l);
     out_ << "  lookup_mod_request(env, " << rtt(*l.eng) << ", lookup_mod_word(" << l.addr->tpd
          << ", record_index), num, denom, " << hex(l.slot) << ");\n}\n";
+  }
+
+  // The key is built in the slot, which is also the request cell.
+  void plu_request(const lookup& l, const std::string& addr_param, const std::string& helper,
+                   const std::string& addr_arg) {
+    out_ << "inline void lookup_request_" << id_ << "(env_t env, " << addr_param << ", std::uint16_t vrf) {\n";
+    note_request(l);
+    out_ << "  " << helper << "(env, " << rtt(*l.eng) << ", " << hex(l.slot) << ", " << addr_arg << ", vrf);\n}\n";
   }
 
   void stats_request(const lookup& l, const std::string& params, const std::string& helper, const std::string& args) {

@@ -85,6 +85,8 @@ std::optional<form> form_named(const std::string& s) {
       {"stats_uidb_add_inc_twin", form::stats_uidb_add_inc_twin},
       {"stats_inc_dyn_pool_cnt", form::stats_inc_dyn_pool_cnt},
       {"stats_read_clr_dyn_pool_cnt", form::stats_read_clr_dyn_pool_cnt},
+      {"plu_ipv4", form::plu_ipv4},
+      {"plu_ipv6", form::plu_ipv6},
       {"view", form::view},
   };
   auto it = forms.find(s);
@@ -361,6 +363,12 @@ void parse_lookups(std::string_view text, const std::string& file, catalogue& ca
         (key == "type" ? r.type : r.calls) = value;
       } else if (key == "view") {
         r.view = value;
+      } else if (key == "family") {
+        if (value != "ipv6") {
+          report(lv.number, "ID_" + r.id + ": family '" + value + "' is not ipv6");
+          ok = false;
+        }
+        r.ipv6 = true;
       } else if (key == "live") {
         std::size_t start = 0;
         while (start <= value.size()) {

@@ -29,6 +29,8 @@ form_rules rules_of(form f) {
     case form::stats_uidb_add_inc_twin:
     case form::stats_inc_dyn_pool_cnt: return {true, false, 12, false};
     case form::stats_read_clr_dyn_pool_cnt: return {false, true, 8, false};
+    case form::plu_ipv4: return {false, true, 8, false};
+    case form::plu_ipv6: return {false, true, 20, false};
     case form::view: return {false, true, 0, false};
     case form::none: return {false, false, 0, false};
   }
@@ -144,7 +146,21 @@ class row_checker {
     if (r.calls.empty() && l.eng->code == form::none) {
       fail(r, "the engine of " + base_ + " has no code form yet");
     }
+    if (r.ipv6) ipv6_engine(r, l);
     return ok_;
+  }
+
+  // The route tables are named once for both families; their IPv6 search
+  // is the engine of the plu_ipv6 form.
+  void ipv6_engine(const row& r, lookup& l) {
+    if (l.eng->code != form::plu_ipv4) return fail(r, "family=ipv6 belongs to the IPv4 route searches");
+    for (const engine& e : cat_.ids.engines) {
+      if (e.code == form::plu_ipv6) {
+        l.eng = &e;
+        return;
+      }
+    }
+    fail(r, "no engine has the plu_ipv6 form");
   }
 
   void check_attributes(const row& r, form code, const form_rules& rules) {

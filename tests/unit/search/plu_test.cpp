@@ -4,6 +4,7 @@
 #include "npu/zephra/plu.h"
 
 #include "arch_tie.h"
+#include "dplane/infra/lookup.h"
 #include "search_test_util.h"
 
 namespace {
@@ -115,6 +116,23 @@ TEST_F(PluRoutes, TemplateFormsAnswerAsTheDirectRequests) {
     plu_lookup_request_ipv6(env, rtt_index(1, 12), RESP, addr.data(), 0);
     EXPECT_EQ(answer_at(env).leaf, 6);
     EXPECT_EQ(answer_at(env).length, 48u);
+  });
+}
+
+TEST_F(PluRoutes, GeneratedLookupsAnswerTheLeafOrNoRoute) {
+  h.on_thread([&](env_t env) {
+    lookup_request_ID_UC_DST_VPN_ING__IPV4(env, 0x0A010203, 7);
+    lookup_wait_ID_UC_DST_VPN_ING__IPV4(env);
+    const plu_result_st* hit = lookup_result_ID_UC_DST_VPN_ING__IPV4(env);
+    EXPECT_EQ(plu_result_st::result_type::get(*hit), PLU_RESULT_MATCH);
+    EXPECT_EQ(plu_result_st::prefix_len::get(*hit), 32u);
+
+    lookup_request_ID_UC_DST_VPN_ING__IPV4(env, 0x0B000001, 7);
+    EXPECT_EQ(plu_result_st::result_type::get(*lookup_result_ID_UC_DST_VPN_ING__IPV4(env)), PLU_RESULT_NO_MATCH);
+
+    const auto addr = ipv6({0x2001, 0xdb8, 1, 0, 0, 0, 0, 9});
+    lookup_request_ID_UC_DST_VPN_ING__IPV6(env, addr.data(), 0);
+    EXPECT_EQ(*plu_result_st::leaf_data::data(*lookup_result_ID_UC_DST_VPN_ING__IPV6(env)), 6);
   });
 }
 
