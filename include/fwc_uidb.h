@@ -11,6 +11,7 @@ struct uidb_l3_ing_fields_st {
   using l2_uidb = be_bits<0, 1, 1>;
   using line_status_up = be_bits<0, 7, 1>;
   using satellite_IC = be_bits<1, 0, 1>;
+  using uidb_ifhandle = be_bits<12, 0, 32>;  // the interface handle: input_ifh at ingress
 };
 static_assert(sizeof(uidb_l3_ing_fields_st) == 32);
 
