@@ -186,6 +186,15 @@ TEST_F(LoadBalance, IPv6SevenTupleTakesPortsBehindTheExtensionHeaders) {
   EXPECT_EQ(ipv6(labelled), v6_flow(labelled, L2, IFH ^ 6 ^ word(labelled, L4_6) ^ 0xABCDE));
 }
 
+TEST_F(LoadBalance, IPv6WithABadExtensionChainHashesWithoutProtocolAndPorts) {
+  config = gc::LB_7_TUPLE;
+  const bytes f = v6().destination_options().hop_by_hop().tcp(1000, 80).build();
+  EXPECT_EQ(ipv6(f), v6_flow(f, L2, IFH));
+  bool walked = true;
+  h.on_thread([&](env_t env) { walked = common_flags_st::ipv6_ext_hdr_parsed::get(*ps_get_common_flags(env)); });
+  EXPECT_FALSE(walked);
+}
+
 // MPLS stacks: label words with bottom-of-stack on the last.
 bytes mpls_frame(const std::vector<std::uint32_t>& labels, const bytes& payload, std::uint8_t eli_ttl = 0) {
   pkt::builder b;
