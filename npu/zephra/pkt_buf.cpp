@@ -4,6 +4,7 @@
 
 #include "dma_common.h"
 #include "dplane/infra/drop.h"
+#include "dplane/infra/lookup_tables.h"
 
 namespace {
 
@@ -85,7 +86,7 @@ void pkt_update_ing_mark_bits(env_t env, std::uint32_t uidb_index) {
   std::uint8_t saved_cell[DMEM_CELL_SIZE];
   std::uint8_t* cell = env_get_dmem_start(env) + MARK_READ_CELL;
   std::memcpy(saved_cell, cell, sizeof saved_cell);
-  dma_cell_words(env, MARK_READ_CELL)[0] = UIDB_MARK_BITS_BASE + uidb_index * MARK_BITS_BYTES;
+  dma_cell_words(env, MARK_READ_CELL)[0] = TABLE_BASE_UIDB_MARK_BITS_ING + uidb_index * TABLE_STRIDE_UIDB_MARK_BITS_ING;
   dma_initiate(env, dma_build_cmd(RES_TLU_READ_4B, MARK_READ_CELL, 4, MARK_READ_CELL, MARK_BITS_BYTES));
   std::memcpy(pkt_rx_uidb_mark_bits(env)->bytes, cell, MARK_BITS_BYTES);
   std::memcpy(cell, saved_cell, sizeof saved_cell);

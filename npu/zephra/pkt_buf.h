@@ -70,7 +70,6 @@ void pkt_ing_save_additional_hdr(env_t env, unsigned char* modify_depth);
 // uidb_index; the mark word stays where pkt_rx_uidb_mark_bits finds it.
 void pkt_update_ing_mark_bits(env_t env, std::uint32_t uidb_index);
 void pkt_update_ing_mark_bits_base(env_t env);
-inline constexpr std::uint32_t UIDB_MARK_BITS_BASE = 0x81000C00;
 // The slot of ID_UIDB_MARK_BITS_ING: the first result slot of thread-local memory.
 inline constexpr std::uint32_t TLM_SLOT_UIDB_MARK_BITS_ING = TLM_FIELDS_SIZE;
 inline mark_bits_st* pkt_rx_uidb_mark_bits(env_t env) {

@@ -6,6 +6,7 @@
 #include <numeric>
 #include <vector>
 
+#include "dplane/infra/lookup_tables.h"
 #include "npu/zephra/pkt_buf.h"
 #include "testkit/npu_harness.h"
 
@@ -105,7 +106,7 @@ TEST_F(PktState, AdditionalSaveExtendsUpToTheEndOfTheArea) {
 
 TEST_F(PktState, MarkBitsComeFromTheInterfaceRecordIntoTheBafPart) {
   model::table_memory& mem = h.npu().memory();
-  mem.write_u32(mem.translate(UIDB_MARK_BITS_BASE + 5 * 4), 0x00ABCDEF);
+  mem.write_u32(mem.translate(TABLE_BASE_UIDB_MARK_BITS_ING + 5 * 4), 0x00ABCDEF);
   h.on_thread([](env_t env) {
     std::memset(env->dist_hdr, 0x5C, 16);
     const std::uint8_t baf[8] = {0x12, 0x34, 0x56, 0x78, 0xFF, 0xFF, 0xFF, 0xFF};
