@@ -13,9 +13,15 @@ inline std::uint8_t hash_get_fab_rbh_bits(std::uint32_t hash) { return static_ca
 inline std::uint8_t hash_get_fab_rack_cluster_bits(std::uint32_t hash) {
   return static_cast<std::uint8_t>((hash >> 22) & 0xFF);
 }
-inline std::uint8_t hash_get_base_nrldi_bits(std::uint32_t hash) { return static_cast<std::uint8_t>((hash >> 8) & 0xFF); }
+inline std::uint8_t hash_get_base_nrldi_bits(std::uint32_t hash) {
+  return static_cast<std::uint8_t>((hash >> 8) & 0xFF);
+}
 inline std::uint8_t hash_get_sr_te_nrldi_bits(std::uint32_t hash) { return static_cast<std::uint8_t>(hash >> 24); }
-inline std::uint8_t hash_get_1st_rldi_bits(std::uint32_t hash) { return static_cast<std::uint8_t>((hash >> 13) & 0xFF); }
-inline std::uint8_t hash_get_2nd_rldi_bits(std::uint32_t hash) { return static_cast<std::uint8_t>((hash >> 16) & 0xFF); }
+inline std::uint8_t hash_get_1st_rldi_bits(std::uint32_t hash) {
+  return static_cast<std::uint8_t>((hash >> 13) & 0xFF);
+}
+inline std::uint8_t hash_get_2nd_rldi_bits(std::uint32_t hash) {
+  return static_cast<std::uint8_t>((hash >> 16) & 0xFF);
+}
 inline std::uint8_t hash_get_nsh_sf_bits(std::uint32_t hash) { return static_cast<std::uint8_t>((hash >> 4) & 0xFF); }
 inline std::uint32_t hash_get_srv6_flow_label_bits(std::uint32_t hash) { return (hash >> 6) & 0xFFFFF; }

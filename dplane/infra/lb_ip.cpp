@@ -109,12 +109,14 @@ std::uint32_t hash_get_7tuple_param_ipv4(env_t env, ipv4_hdr_st* ip, std::uint32
 }
 
 std::uint32_t hash_lb_ipv4(env_t env, ipv4_hdr_st* ip, std::uint32_t if_handle, std::uint32_t router_id) {
-  const std::uint32_t p = global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv4(env, ip, if_handle, FALSE) : 0;
+  const std::uint32_t p =
+      global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv4(env, ip, if_handle, FALSE) : 0;
   return hash_lb_ipv4_final(ip, p, router_id);
 }
 
 std::uint32_t hash_lb_ipv4_racetrack(env_t env, ipv4_hdr_st* ip, std::uint32_t if_handle, std::uint32_t router_id) {
-  const std::uint32_t p = global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv4(env, ip, if_handle, TRUE) : 0;
+  const std::uint32_t p =
+      global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv4(env, ip, if_handle, TRUE) : 0;
   return hash_lb_ipv4_final(ip, p, router_id);
 }
 
@@ -158,17 +160,20 @@ std::uint32_t hash_get_7tuple_param_ipv6_slow(env_t env, ipv6_hdr_st* ip) {
 }
 
 std::uint32_t hash_lb_ipv6(env_t env, ipv6_hdr_st* ip, std::uint32_t if_handle, std::uint32_t router_id) {
-  const std::uint32_t p = global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv6(env, ip, if_handle, FALSE) : 0;
+  const std::uint32_t p =
+      global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv6(env, ip, if_handle, FALSE) : 0;
   return ipv6_hash(env, ip, p, router_id);
 }
 
 std::uint32_t hash_lb_ipv6_pp(env_t env, ipv6_hdr_st* ip, std::uint32_t if_handle, std::uint32_t router_id) {
-  const std::uint32_t p = global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv6_pp(env, ip, if_handle) : 0;
+  const std::uint32_t p =
+      global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv6_pp(env, ip, if_handle) : 0;
   return ipv6_hash(env, ip, p, router_id);
 }
 
 std::uint32_t hash_lb_ipv6_racetrack(env_t env, ipv6_hdr_st* ip, std::uint32_t if_handle, std::uint32_t router_id) {
-  const std::uint32_t p = global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv6(env, ip, if_handle, TRUE) : 0;
+  const std::uint32_t p =
+      global_config_is_7_tuple_lb_enabled(env) ? hash_get_7tuple_param_ipv6(env, ip, if_handle, TRUE) : 0;
   return ipv6_hash(env, ip, p, router_id);
 }
 

@@ -41,8 +41,8 @@ std::uint32_t l3_kind_of_path(env_t env) {
 }
 
 // The IP hash of the header at l3 when it fits before `end`, else the MAC hash.
-std::uint32_t ip_or_ether(env_t env, const ether_hdr* eth, std::uint32_t kind, std::uint8_t* l3,
-                          std::uint32_t ifhandle, std::uint32_t router_id, const std::uint8_t* end) {
+std::uint32_t ip_or_ether(env_t env, const ether_hdr* eth, std::uint32_t kind, std::uint8_t* l3, std::uint32_t ifhandle,
+                          std::uint32_t router_id, const std::uint8_t* end) {
   if (kind == L3_KIND_IPV4 && fits(l3, IPV4_HDR_BYTES, end)) {
     return hash_lb_ipv4(env, reinterpret_cast<ipv4_hdr_st*>(l3), ifhandle, router_id);
   }
@@ -80,7 +80,8 @@ std::uint32_t l2vpn_calc_hash(env_t env, ether_hdr* eth, boolean_t is_pw_dispo, 
   std::uint8_t* l3 = *ps_get_network_start(env);
   const std::uint8_t* end = pkt_get_rx_packet_end(env);
   const std::uint32_t kind = is_pw_dispo ? l3_kind_of_path(env) : pkt_get_rx_l3_type(env);
-  const std::uint32_t ifhandle = is_pw_dispo ? uidb_l3_ing_fields_st::uidb_ifhandle::get(*lookup_result_ID_UIDB_L3_ING__COMM(env)) : 0;
+  const std::uint32_t ifhandle =
+      is_pw_dispo ? uidb_l3_ing_fields_st::uidb_ifhandle::get(*lookup_result_ID_UIDB_L3_ING__COMM(env)) : 0;
   if (kind == L3_KIND_IPV4 || kind == L3_KIND_IPV6) return ip_or_ether(env, eth, kind, l3, ifhandle, router_id, end);
   return l2vpn_calc_hash_slow(env, eth, kind, ifhandle, router_id, is_pw_dispo, is_ip, end);
 }

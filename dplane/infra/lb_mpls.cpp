@@ -82,7 +82,9 @@ std::uint32_t hash_lb_mpls_racetrack(env_t env, mpls_hdr_st* mpls, std::uint32_t
   const std::uint32_t eli = global_config_is_entropy_lb_enabled(env) ? find_eli(env, mpls, parsed) : NO_ELI;
   const std::uint32_t n = parsed != 0 ? parsed : count_labels(mpls);
   if (eli != NO_ELI) {
-    if (pkt_entropy_label_sanity_chk(env, mpls, eli)) return hash_lb_mpls_base(label_of(mpls, eli + 1), if_handle, router_id);
+    if (pkt_entropy_label_sanity_chk(env, mpls, eli)) {
+      return hash_lb_mpls_base(label_of(mpls, eli + 1), if_handle, router_id);
+    }
     common_flags2_st::entropy_label_invalid_or_is_sfi::set(*ps_put_mod_common_flags2(env), 1);
     return 0;
   }

@@ -1,9 +1,9 @@
 #include "hash_rows.h"
 
-#include "parse.h"
-
 #include <cstdio>
 #include <set>
+
+#include "parse.h"
 
 namespace gen {
 
@@ -72,8 +72,9 @@ void parse_hash_table(const std::vector<std::string>& words, int line, catalogue
     t.res_bytes = bytes.value_or(0);
   }
   if (!ok) {
-    report(line, "a hash table line is <table> <id|-> <key bits|-> <space> <result offset> <result bytes> [single] "
-                 "[data_plane]");
+    report(line,
+           "a hash table line is <table> <id|-> <key bits|-> <space> <result offset> <result bytes> [single] "
+           "[data_plane]");
     return;
   }
   for (std::size_t i = 6; i < words.size(); ++i) {
@@ -133,7 +134,8 @@ void resolve_hash_row(const catalogue& cat, const row& r, const hash_table& t, l
 }
 
 std::vector<hash_region> hash_regions(const lookup& l) {
-  return {{*l.r->bucket, ENTRY_READ_UNIT, "bucket"}, {*l.r->key, l.key_bytes, "key"},
+  return {{*l.r->bucket, ENTRY_READ_UNIT, "bucket"},
+          {*l.r->key, l.key_bytes, "key"},
           {*l.r->res, l.hash->res_bytes, "result"}};
 }
 
@@ -157,7 +159,8 @@ void emit_hash_tables(std::ostringstream& out, const catalogue& cat) {
         << t.res_offset << ", " << t.res_bytes << ", " << (t.single ? "true" : "false") << ", "
         << (t.data_plane ? "true" : "false") << "};\n";
   }
-  out << "inline constexpr std::array<lookup_hash_table_st, " << cat.hash_tables.size() << "> LOOKUP_HASH_TABLES = {{\n";
+  out << "inline constexpr std::array<lookup_hash_table_st, " << cat.hash_tables.size()
+      << "> LOOKUP_HASH_TABLES = {{\n";
   for (const hash_table& t : cat.hash_tables) out << "    HASH_TABLE_" << t.name << ",\n";
   out << "}};\n";
 }
@@ -183,8 +186,8 @@ void emit_hash_search(std::ostringstream& out, const lookup& l) {
       << "inline void lookup_request_" << id("RES") << "(env_t env, memaddr_t entry_addr) { hash_request_result(env, "
       << desc << ", entry_addr); }\n";
   for (const char* s : {"BUCKET", "KEY", "RES"}) out << "inline void lookup_wait_" << id(s) << "(env_t) {}\n";
-  out << "inline hash_search_bucket_st* lookup_result_" << id("BUCKET") << "(env_t env) { return hash_result_bucket(env, "
-      << desc << ", " << id("BUCKET_0") << "); }\n"
+  out << "inline hash_search_bucket_st* lookup_result_" << id("BUCKET")
+      << "(env_t env) { return hash_result_bucket(env, " << desc << ", " << id("BUCKET_0") << "); }\n"
       << "inline hash_search_key_st* lookup_result_" << id("KEY") << "(env_t env) { return hash_result_key(env, "
       << desc << "); }\n"
       << "inline " << r.type << "* lookup_result_" << id("RES") << "(env_t env) {\n"

@@ -29,9 +29,13 @@ struct search_row {
   hash_search_result_st* (*result)(env_t);
 };
 
-#define HT_SEARCH_ROW(T)                                                                               \
-  ht::search_row{#T, &HASH_SEARCH_##T, hash_search_part_1_ID_##T, hash_search_part_2_ID_##T, \
-                 hash_search_part_3_ID_##T, lookup_result_ID_##T##_RES},
+#define HT_SEARCH_ROW(T)                    \
+  ht::search_row{#T,                        \
+                 &HASH_SEARCH_##T,          \
+                 hash_search_part_1_ID_##T, \
+                 hash_search_part_2_ID_##T, \
+                 hash_search_part_3_ID_##T, \
+                 lookup_result_ID_##T##_RES},
 inline const std::vector<search_row>& all_searches() {
   static const std::vector<search_row> rows = {LOOKUP_HASH_SEARCH_ROWS(HT_SEARCH_ROW)};
   return rows;
@@ -81,7 +85,8 @@ inline bytes key_of(std::uint32_t bytes_wide, std::uint32_t seed) {
 inline std::uint32_t key_width(const lookup_hash_table_st& t) { return t.key_bits / 8; }
 
 // `count` keys of the table whose hashes pick one home bucket, from `seed` on.
-inline std::vector<bytes> keys_in_one_bucket(const lookup_hash_table_st& t, std::uint32_t count, std::uint32_t seed = 1) {
+inline std::vector<bytes> keys_in_one_bucket(const lookup_hash_table_st& t, std::uint32_t count,
+                                             std::uint32_t seed = 1) {
   std::vector<bytes> keys{key_of(key_width(t), seed)};
   const memaddr_t home = ctrl::hash_table_home_bucket(t, ctrl::hash_table_key_hash(t, keys[0]));
   for (std::uint32_t s = seed + 1; keys.size() < count; ++s) {

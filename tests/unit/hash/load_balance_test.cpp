@@ -2,13 +2,14 @@
 // takes exactly the fields it should. Expected values are the hash unit's
 // final step (checked against golden values in table_hash_test.cpp) over the
 // words the flow is made of.
+#include "dplane/infra/load_balance.h"
+
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <functional>
 #include <vector>
 
-#include "dplane/infra/load_balance.h"
 #include "dplane/infra/ps.h"
 #include "global_config.h"
 #include "npu/zephra/hash_fns.h"
@@ -30,7 +31,9 @@ std::uint32_t word(const bytes& f, std::size_t at) {
   return (std::uint32_t{f[at]} << 24) | (std::uint32_t{f[at + 1]} << 16) | (std::uint32_t{f[at + 2]} << 8) | f[at + 3];
 }
 // The IPv4 flow: destination and source plus the partial, router ID.
-std::uint32_t v4_flow(std::uint32_t src, std::uint32_t dst, std::uint32_t p) { return final_of(dst + p, src + p, ROUTER_ID); }
+std::uint32_t v4_flow(std::uint32_t src, std::uint32_t dst, std::uint32_t p) {
+  return final_of(dst + p, src + p, ROUTER_ID);
+}
 std::uint32_t v6_flow(const bytes& f, std::size_t ip, std::uint32_t p) {
   auto w = [&](std::size_t i) { return word(f, ip + 8 + 4 * i); };  // s0..s3 at 8, d0..d3 at 24
   return final_of(((w(4) + w(6)) ^ (w(5) + w(7))) + p, ((w(0) + w(1)) ^ (w(2) + w(3))) + p, ROUTER_ID);
@@ -64,7 +67,9 @@ class LoadBalance : public testing::Test {
     return out;
   }
   std::uint32_t ipv4(const bytes& f) {
-    return hash(f, [](env_t env, std::uint8_t* s) { return hash_lb_ipv4(env, reinterpret_cast<ipv4_hdr_st*>(s + L2), IFH, ROUTER_ID); });
+    return hash(f, [](env_t env, std::uint8_t* s) {
+      return hash_lb_ipv4(env, reinterpret_cast<ipv4_hdr_st*>(s + L2), IFH, ROUTER_ID);
+    });
   }
   std::uint32_t ipv4_racetrack(const bytes& f) {
     return hash(f, [](env_t env, std::uint8_t* s) {
@@ -72,7 +77,9 @@ class LoadBalance : public testing::Test {
     });
   }
   std::uint32_t ipv6(const bytes& f) {
-    return hash(f, [](env_t env, std::uint8_t* s) { return hash_lb_ipv6(env, reinterpret_cast<ipv6_hdr_st*>(s + L2), IFH, ROUTER_ID); });
+    return hash(f, [](env_t env, std::uint8_t* s) {
+      return hash_lb_ipv6(env, reinterpret_cast<ipv6_hdr_st*>(s + L2), IFH, ROUTER_ID);
+    });
   }
   std::uint32_t mpls(const bytes& f) {
     return hash(f, [](env_t env, std::uint8_t* s) {
@@ -115,7 +122,8 @@ TEST_F(LoadBalance, IPv4FragmentsHashWithoutPortsUnlessRacetrack) {
   EXPECT_EQ(ipv4(first), v4_flow(SRC4, DST4, IFH ^ 17));
   EXPECT_EQ(ipv4(later), v4_flow(SRC4, DST4, IFH ^ 17));
   EXPECT_EQ(ipv4_racetrack(first), v4_flow(SRC4, DST4, IFH ^ 17 ^ word(first, L4_4)));
-  EXPECT_EQ(ipv4(v4().dont_fragment().udp(1000, 53).payload(8).build()), v4_flow(SRC4, DST4, IFH ^ 17 ^ word(first, L4_4)));
+  EXPECT_EQ(ipv4(v4().dont_fragment().udp(1000, 53).payload(8).build()),
+            v4_flow(SRC4, DST4, IFH ^ 17 ^ word(first, L4_4)));
 }
 
 TEST_F(LoadBalance, IPv4HeadersCutShortFallBackToWhatFits) {
@@ -127,8 +135,14 @@ TEST_F(LoadBalance, IPv4HeadersCutShortFallBackToWhatFits) {
 
 // GTP-U on UDP port 2152: version 1 without options, inner IPv4.
 bytes gtp_v1(std::uint8_t flags, std::uint32_t teid, std::size_t cut = 0) {
-  bytes gtp = {flags, 0xFF, 0, 28, static_cast<std::uint8_t>(teid >> 24), static_cast<std::uint8_t>(teid >> 16),
-               static_cast<std::uint8_t>(teid >> 8), static_cast<std::uint8_t>(teid)};
+  bytes gtp = {flags,
+               0xFF,
+               0,
+               28,
+               static_cast<std::uint8_t>(teid >> 24),
+               static_cast<std::uint8_t>(teid >> 16),
+               static_cast<std::uint8_t>(teid >> 8),
+               static_cast<std::uint8_t>(teid)};
   bytes inner = pkt::builder().ipv4(pkt::ip4("172.16.0.1"), pkt::ip4("172.16.0.2")).udp(7, 8).build();
   gtp.insert(gtp.end(), inner.begin(), inner.end());
   bytes f = v4().udp(2152, 2152).raw(gtp).build();
@@ -216,7 +230,8 @@ std::function<void(env_t)> parsed_stack(std::uint32_t labels, std::uint32_t eli_
 }
 bool entropy_invalid(testkit::npu_harness& h) {
   bool set = false;
-  h.on_thread([&](env_t env) { set = common_flags2_st::entropy_label_invalid_or_is_sfi::get(*ps_get_common_flags2(env)); });
+  h.on_thread(
+      [&](env_t env) { set = common_flags2_st::entropy_label_invalid_or_is_sfi::get(*ps_get_common_flags2(env)); });
   return set;
 }
 
@@ -278,7 +293,9 @@ TEST_F(LoadBalance, L2vpnHashesTheInnerPacketOnlyWhenThePortAsks) {
 
 TEST_F(LoadBalance, SpanCopiesHashAddressesWithoutPortsOrFlowLabel) {
   config = gc::LB_7_TUPLE | gc::IPV6_FLOW_LABEL_HASH;
-  auto span = [](env_t env, std::uint8_t* s) { return span_calc_hash_l3(env, reinterpret_cast<ether_hdr*>(s), L2, s + L2); };
+  auto span = [](env_t env, std::uint8_t* s) {
+    return span_calc_hash_l3(env, reinterpret_cast<ether_hdr*>(s), L2, s + L2);
+  };
   const bytes f4 = v4().tcp(1000, 80).build();
   EXPECT_EQ(hash(f4, span), v4_flow(SRC4, DST4, 0));
   const bytes f6 = v6(0x12345).tcp(1000, 80).build();

@@ -93,8 +93,9 @@ TEST_F(BucketStates, OtherSignaturesAreSkippedWithoutAnEntryRead) {
   const std::uint8_t sig = signature_of(t, k);
   write_entry(h, t, entry(0), key(2), result_of(2));
   write_entry(h, t, entry(1), key(3), result_of(3));
-  write_bucket(h, home_of(t, k),
-               bucket_of({{entry(0), static_cast<std::uint8_t>(sig + 1)}, {entry(1), static_cast<std::uint8_t>(sig + 2)}}));
+  write_bucket(
+      h, home_of(t, k),
+      bucket_of({{entry(0), static_cast<std::uint8_t>(sig + 1)}, {entry(1), static_cast<std::uint8_t>(sig + 2)}}));
   hash_search_rc_t rc{};
   EXPECT_FALSE(part_2_read_an_entry(k, rc));
   EXPECT_EQ(rc, HASH_SEARCH_RC_NO_MATCH);
@@ -126,7 +127,8 @@ TEST_F(BucketStates, AnEntryOfAnotherTableWithTheSameKeyIsAMismatch) {
 TEST_F(BucketStates, AThreeBucketChainIsWalkedAndCountsFromZeroInEachBucket) {
   const bytes k = key(1);
   const std::uint8_t sig = signature_of(t, k);
-  for (std::uint32_t i = 0; i < 5; ++i) write_entry(h, t, entry(i), key(10 + i), result_of(static_cast<std::uint8_t>(i)));
+  for (std::uint32_t i = 0; i < 5; ++i)
+    write_entry(h, t, entry(i), key(10 + i), result_of(static_cast<std::uint8_t>(i)));
   write_entry(h, t, entry(5), k, result_of(0x55));
   write_bucket(h, home_of(t, k), bucket_of({{entry(0), sig}, {entry(1), sig}}, CHAIN));
   write_bucket(h, CHAIN, bucket_of({{entry(2), sig}, {entry(3), sig}}, CHAIN + 16));
