@@ -30,7 +30,9 @@ class ipv4_prefix_table {
 
   std::optional<prefix_match> search(std::uint32_t addr) const {
     entry e = groups_[addr >> 24];
-    for (unsigned shift = 16; kind_of(e) == GROUP; shift -= 8) e = groups_[id_of(e) * FANOUT + ((addr >> shift) & 0xFF)];
+    for (unsigned shift = 16; kind_of(e) == GROUP; shift -= 8) {
+      e = groups_[id_of(e) * FANOUT + ((addr >> shift) & 0xFF)];
+    }
     if (kind_of(e) != LEAF) return std::nullopt;
     return prefix_match{id_of(e), depth_of(e)};
   }

@@ -12,7 +12,9 @@ ipv6_key ipv6_key::from_bytes(const std::uint8_t* b) {
 }
 
 ipv6_key ipv6_prefix_table::masked(const ipv6_key& key, unsigned length) {
-  auto keep = [](std::uint64_t v, unsigned bits) { return bits == 0 ? 0 : bits >= 64 ? v : v & (~0ull << (64 - bits)); };
+  auto keep = [](std::uint64_t v, unsigned bits) {
+    return bits == 0 ? 0 : bits >= 64 ? v : v & (~0ull << (64 - bits));
+  };
   return {keep(key.hi, length), keep(key.lo, length > 64 ? length - 64 : 0)};
 }
 

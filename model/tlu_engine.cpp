@@ -93,7 +93,8 @@ void execute_tlu_read(dma_request& r) {
     return r.breach("TLU read through table page descriptor " + std::to_string(r.word(0) >> 26) + ", which is not set");
   }
   if (std::uint8_t* resp = r.response()) {
-    tlu_read_virtual(r.owner(), *vaddr, {resp, std::min(size, r.cmd().resp_bytes)}, index < TLU_READ_NO_ALLOCATE_OFFSET);
+    const bool allocate = index < TLU_READ_NO_ALLOCATE_OFFSET;
+    tlu_read_virtual(r.owner(), *vaddr, {resp, std::min(size, r.cmd().resp_bytes)}, allocate);
   }
 }
 

@@ -162,7 +162,8 @@ void plu_sram_bucket_read(env_t env, std::uint32_t cand_bkt_index, std::uint32_t
   plu_initiate_dma(env, plu_req_loc, sizeof(plu_sram_bucket_read_st), plu_resp_loc, PLU_BUCKET_RESP_BYTES);
 }
 
-void plu_cache_invalidate(env_t env, std::uint32_t bucket_index, std::uint32_t plu_req_loc, std::uint32_t plu_resp_loc) {
+void plu_cache_invalidate(env_t env, std::uint32_t bucket_index, std::uint32_t plu_req_loc,
+                          std::uint32_t plu_resp_loc) {
   auto& k = key_at<plu_cache_invalidate_st>(env, plu_req_loc);
   plu_cache_invalidate_st::bucket_index::set(k, bucket_index);
   plu_cache_invalidate_st::code::set(k, PLU_CACHE_INVALIDATE);

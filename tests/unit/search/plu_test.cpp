@@ -242,14 +242,15 @@ TEST_F(PluGroups, SourceAndGroupMatchExactly) {
 }
 
 TEST_F(PluGroups, BridgeDomainEntriesOfIpv6AreFoundByTheirDomain) {
-  ctrl::group_key k{PLU_L2M6_SG, 0x123456, ipv6({0x2001, 0xdb8, 0, 0, 0, 0, 0, 1}), ipv6({0xff0e, 0, 0, 0, 0, 0, 0, 1})};
+  const ctrl::group_key k{PLU_L2M6_SG, 0x123456, ipv6({0x2001, 0xdb8, 0, 0, 0, 0, 0, 1}),
+                          ipv6({0xff0e, 0, 0, 0, 0, 0, 0, 1})};
   ASSERT_EQ(ctrl::add_group(n(), k, group_leaf_of(0x33)), ctrl::error::none);
   h.on_thread([&](env_t env) {
     plu_l2m6_sg(env, 0x123456, k.src.data(), k.grp.data(), REQ, RESP);
     EXPECT_EQ(*dmem_at(env, RESP), 0x33);
     plu_l2m6_sg(env, 0x123457, k.src.data(), k.grp.data(), REQ, RESP);
-    EXPECT_EQ(plu_resp_mc_leaf_found_response_::result_type::get(record_at<plu_resp_mc_leaf_found_response_>(env, RESP)),
-              PLU_RESULT_NO_MATCH);
+    using mc = plu_resp_mc_leaf_found_response_;
+    EXPECT_EQ(mc::result_type::get(record_at<mc>(env, RESP)), PLU_RESULT_NO_MATCH);
   });
 }
 
