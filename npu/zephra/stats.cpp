@@ -1,5 +1,7 @@
 #include "stats.h"
 
+#include "tlu.h"
+
 namespace {
 
 // Word 0 of the physical statistics operations: all bytes, big-endian.
@@ -20,11 +22,8 @@ void physical_op(env_t env, std::uint32_t word0, memaddr_t stats, std::uint32_t 
 }
 
 void tlu_op(env_t env, std::uint32_t word0, memaddr_t stats, std::uint32_t tlu_resource_id, std::uint32_t req_loc) {
-  be_u32* w = dma_cell_words(env, req_loc);
-  w[0] = TLU_CMD_ERC2;
-  w[1] = stats;
-  w[2] = word0;
-  w[3] = 0;
+  tlu_write_erc2_request(env, req_loc, word0, stats);
+  dma_cell_words(env, req_loc)[3] = 0;
   dma_initiate(env, dma_build_cmd(tlu_resource_id, req_loc, TLU_STATS_REQ_BYTES, 0, 0));
 }
 
@@ -53,11 +52,7 @@ void stats_inc_64_tlu(env_t env, memaddr_t stats, std::uint32_t tlu_resource_id,
 }
 
 void stats_addinc_64_format_tlu(env_t env, memaddr_t stats, std::uint32_t count, std::uint32_t stats_req_loc) {
-  be_u32* w = dma_cell_words(env, stats_req_loc);
-  w[0] = TLU_CMD_ERC4;
-  w[1] = stats;
-  w[2] = STATS_ADD_INC_64;
-  w[3] = count;
+  tlu_write_erc4_request(env, stats_req_loc, STATS_ADD_INC_64, stats, count);
 }
 
 void stats_addinc_64_issue_tlu(env_t env, std::uint32_t tlu_resource_id, std::uint32_t stats_req_loc) {
