@@ -3,7 +3,7 @@
 // (dplane/infra/hash_chain.h), so that writer and reader cannot disagree.
 // Entries take room in an area of their own; buckets for chains come from a
 // pool. Every change keeps every entry findable by a search running at the
-// same time. One control thread calls these.
+// same time. One object per NPU, called from one control thread.
 #pragma once
 
 #include <cstdint>

@@ -7,7 +7,9 @@
 //           the next entry
 // The catalogue generates, per table and tag, the lookups <T>_BUCKET_0,
 // _BUCKET_1, _BUCKET, _KEY, _RES and hash_search_part_N_ID_<T>, which call
-// these with the table's description and its cells.
+// these with the table's description and its cells. The search of a table
+// that the data plane writes keeps where it stands for the write operations:
+// its context must be the search_ctx of a hash_manage_context_st.
 #pragma once
 
 #include <cstdint>

@@ -47,13 +47,13 @@ bool optional_number_of(const std::string& word, std::optional<std::uint32_t>& o
 }  // namespace
 
 void parse_hash_space(const std::vector<std::string>& words, int line, catalogue& cat, const line_report& report) {
-  auto base = words.size() == 3 ? number_of(words[1]) : std::nullopt;
-  auto buckets = words.size() == 3 ? number_of(words[2]) : std::nullopt;
-  if (!base || !buckets || *buckets == 0) {
+  const std::optional<std::uint32_t> base = words.size() == 3 ? number_of(words[1]) : std::nullopt;
+  const std::uint32_t buckets = words.size() == 3 ? number_of(words[2]).value_or(0) : 0;
+  if (!base || buckets == 0) {
     report(line, "a hash space line is <space> <first bucket> <buckets>");
     return;
   }
-  if (!cat.hash_spaces.emplace(words[0], hash_space{*base, *buckets}).second) {
+  if (!cat.hash_spaces.emplace(words[0], hash_space{*base, buckets}).second) {
     report(line, "hash space " + words[0] + " has two lines");
   }
 }
