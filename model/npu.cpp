@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <future>
+#include <stdexcept>
 #include <utility>
 
 #include "chassis.h"
@@ -43,6 +44,17 @@ std::uint64_t npu::enqueue(arriving_packet pkt) {
   queue_.emplace_back(seq, std::move(pkt));
   chassis_.cv_.notify_all();
   return seq;
+}
+
+std::uint64_t npu::receive_line_frame(std::uint32_t port, std::vector<std::uint8_t> frame) {
+  if (frame.size() > MAX_LINE_FRAME_BYTES) {
+    throw std::length_error("a line frame of " + std::to_string(frame.size()) + " bytes; a packet holds at most " +
+                            std::to_string(MAX_LINE_FRAME_BYTES));
+  }
+  arriving_packet pkt;
+  pkt.dist_hdr = parser_.parse(memory_, port, frame);
+  pkt.bytes = std::move(frame);
+  return enqueue(std::move(pkt));
 }
 
 std::vector<packet_outcome> npu::take_outcomes() {
@@ -141,6 +153,7 @@ void npu::wait_for_packet(npu_thread& t) {
   t.current.seq = next.first;
   t.current.npu = id_;
   t.current.thread = t.index;
+  t.current.dist_hdr = pkt.dist_hdr;
 }
 
 // A breach of the platform contract. Debug builds stop at once with the name

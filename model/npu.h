@@ -17,6 +17,7 @@
 #include "clock.h"
 #include "gpb_engine.h"
 #include "igpu_engine.h"
+#include "line_parser.h"
 #include "lookup_cells.h"
 #include "packet_io.h"
 #include "page_descriptors.h"
@@ -37,6 +38,8 @@ inline constexpr std::uint32_t PKT_BUF_HEAD = 4096;
 inline constexpr std::uint32_t PKT_ARRIVAL_OFFSET = 160;
 inline constexpr std::uint32_t MAX_PACKET_BYTES = 16384;
 inline constexpr std::uint32_t PKT_BUF_SIZE = PKT_BUF_HEAD + PKT_ARRIVAL_OFFSET + MAX_PACKET_BYTES;
+// The distribution header's length field has 14 bits.
+inline constexpr std::uint32_t MAX_LINE_FRAME_BYTES = 16383;
 
 // Thrown inside a blocking packet request to end a thread; the program never
 // catches it, so it unwinds to the thread's entry.
@@ -98,6 +101,7 @@ class npu {
   igpu_engine& igpu() { return igpu_; }
   npu_clock& clock() { return clock_; }
   gpb_engine& gpb() { return gpb_; }
+  line_parser& parser() { return parser_; }
 
   void set_global_config(std::uint32_t v) { global_config_ = v; }
   void set_router_id(std::uint32_t v) { router_id_ = v; }
@@ -108,6 +112,10 @@ class npu {
 
   // Queues a packet for the next free thread; returns its arrival number.
   std::uint64_t enqueue(arriving_packet pkt);
+  // A frame from line port `port`: the parser fills its distribution header,
+  // then it is queued. Throws std::length_error for a frame longer than the
+  // header's length field holds.
+  std::uint64_t receive_line_frame(std::uint32_t port, std::vector<std::uint8_t> frame);
   std::vector<packet_outcome> take_outcomes();
   std::uint64_t placeholder_count(std::int32_t placeholder) const;
   std::vector<std::string> log() const;
@@ -140,6 +148,7 @@ class npu {
   igpu_engine igpu_;
   npu_clock clock_;
   gpb_engine gpb_;
+  line_parser parser_;
   std::atomic<std::uint32_t> global_config_{0};
   std::atomic<std::uint32_t> router_id_{0};
   std::atomic<std::uint32_t> drop_capture_{0};

@@ -36,6 +36,7 @@ struct packet_outcome {
   std::uint64_t seq = 0;  // arrival number on its NPU, from 1
   std::uint32_t npu = 0;
   std::uint32_t thread = 0;
+  std::array<std::uint8_t, DIST_HDR_BYTES> dist_hdr{};  // the header it arrived with
   packet_end end = packet_end::freed;
   std::int32_t placeholder = -1;               // unbuilt handler that ended it, if any
   std::vector<std::uint32_t> global_counters;  // global counters bumped while the thread held it
