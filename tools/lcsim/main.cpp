@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ctrl/page_descriptors.h"
+#include "line_setup.h"
 #include "model/chassis.h"
 #include "pcap_input.h"
 #include "pcap_output.h"
@@ -17,6 +18,7 @@ namespace {
 struct options {
   std::string in;
   std::uint32_t port = 0;
+  std::string mac = "02:00:00:00:00:01";
   std::string out;
 };
 
@@ -24,6 +26,7 @@ int run(const options& opt) {
   const lcsim::scenario sc = opt.in.empty() ? lcsim::default_scenario() : lcsim::scenario_from_pcap(opt.in, opt.port);
   model::chassis chassis(std::vector<model::npu_config>(sc.npus, model::npu_config{}));
   for (std::size_t n = 0; n < chassis.size(); ++n) ctrl::install_page_descriptors(chassis.at(n));
+  if (!opt.in.empty()) lcsim::set_up_line_port(chassis.at(0), opt.port, pkt::mac(opt.mac));
   const std::vector<lcsim::packet_result> results = lcsim::run_scenario(chassis, sc);
   lcsim::print_report(stdout, chassis, results);
   chassis.stop();
@@ -40,13 +43,24 @@ int main(int argc, char** argv) {
       "the handler reached and how the packet ended, then the counters that moved."};
   options opt;
   app.add_option("--in", opt.in,
-                 "Read the packets from this pcap file: each frame arrives on a line port (see --port). "
-                 "Until the hardware parser is modelled, each frame's distribution header carries "
-                 "format 6, the frame's length and the port, and no valid vector, so the report shows "
-                 "where such a packet goes.")
+                 "Read the packets from this pcap file: each frame arrives on a line port (see --port), "
+                 "set up as a routed port with IPv4, IPv6 and MPLS on, and the parser gives it its "
+                 "vector (docs/parser.md): the report shows the vector and where the packet went.")
       ->check(CLI::ExistingFile);
   app.add_option("--port", opt.port, "Line port (logical port) of the frames of --in")
       ->check(CLI::Range(0u, lcsim::MAX_LINE_PORT))
+      ->needs("--in");
+  app.add_option("--mac", opt.mac,
+                 "The router's MAC on the port of --in: frames to another unicast MAC take the exception "
+                 "vectors (default 02:00:00:00:00:01)")
+      ->check([](const std::string& text) {
+        try {
+          pkt::mac(text);
+          return std::string();
+        } catch (const std::exception& e) {
+          return std::string(e.what());
+        }
+      })
       ->needs("--in");
   app.add_option("--out", opt.out,
                  "Write what leaves into this directory: fabric.pcap, host.pcap and line-<port>.pcap "

@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include <cstring>
 #include <map>
 #include <string>
 
@@ -7,13 +8,24 @@
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
 #include "platform/shared/unbuilt_handlers.h"
+#include "platform/varn/dist_hdr.h"
 
 namespace lcsim {
 
 namespace {
 
+// The vector of a line packet, as the parser (or a given header) set it.
+std::string vector_of(const model::packet_outcome& o) {
+  using L = dist_hdr_line_st;
+  L hdr;
+  std::memcpy(hdr.bytes, o.dist_hdr.data(), sizeof hdr.bytes);
+  if (L::dst_format::get(hdr) != DST_FORMAT_LINE) return "";
+  if (!L::rt_result_valid::get(hdr)) return "no vector, ";
+  return "vector " + std::to_string(L::rt_result::get(hdr)) + ", ";
+}
+
 std::string ending(const model::packet_outcome& o) {
-  std::string s;
+  std::string s = vector_of(o);
   if (o.placeholder >= 0) {
     const char* name = unbuilt_handler_name(static_cast<std::uint32_t>(o.placeholder));
     s += std::string("reached ") + (name ? name : "?") + " (not built yet), ";

@@ -6,7 +6,10 @@ namespace lcsim {
 
 std::vector<packet_result> run_scenario(model::chassis& chassis, const scenario& sc) {
   std::vector<std::uint64_t> seqs;
-  for (const auto& p : sc.packets) seqs.push_back(chassis.at(p.npu).enqueue(p.packet));
+  for (const auto& p : sc.packets) {
+    model::npu& n = chassis.at(p.npu);
+    seqs.push_back(p.line_port ? n.receive_line_frame(*p.line_port, p.packet.bytes) : n.enqueue(p.packet));
+  }
   chassis.run_until_idle();
 
   std::vector<packet_result> results;

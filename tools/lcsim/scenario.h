@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ struct scenario_packet {
   std::string description;
   std::uint32_t npu = 0;
   std::chrono::nanoseconds timestamp{};  // of its arrival, carried to what it sends
+  // Set: packet.bytes is a frame from this line port, and the parser fills
+  // its distribution header. Unset: packet.dist_hdr is given.
+  std::optional<std::uint32_t> line_port;
   model::arriving_packet packet;
 };
 

@@ -44,12 +44,13 @@ TEST(LcsimPcap, FramesGoInOnTheChosenPortAndOutputsAreWritten) {
   pkt::scratch_dir dir;
   const std::vector<pkt::pcap_record> in = {{std::chrono::seconds(1), frame(53)}, {std::chrono::seconds(2), frame(80)}};
   pkt::write_pcap(dir.file("in.pcap"), in);
-  const run_result r = lcsim("--in " + dir.file("in.pcap") + " --port 3 --out " + dir.file("out"));
+  const run_result r =
+      lcsim("--in " + dir.file("in.pcap") + " --port 3 --mac 00:00:00:00:00:02 --out " + dir.file("out"));
   ASSERT_EQ(r.status, 0) << r.output;
   EXPECT_NE(r.output.find("pcap record 1, 60 bytes, line port 3"), std::string::npos) << r.output;
   EXPECT_NE(r.output.find("pcap record 2, 60 bytes, line port 3"), std::string::npos) << r.output;
-  // No vector: the packet goes where a packet of no known protocol goes.
-  EXPECT_NE(r.output.find("reached l2_ctrl_ing"), std::string::npos) << r.output;
+  // Clean IPv4 to the router's MAC: the parser gives the fast vector.
+  EXPECT_NE(r.output.find("vector 0, reached ipv4_ing_perf"), std::string::npos) << r.output;
   for (const char* name : {"fabric.pcap", "host.pcap"}) {
     EXPECT_TRUE(pkt::read_pcap(dir.file("out/") + name).empty()) << name;
   }
@@ -73,6 +74,7 @@ TEST(LcsimPcap, BadArgumentsEndWithAMessage) {
       {"--in " + dir.file("in.pcap") + " --port 4096", "--port"},
       {"--in " + dir.file("missing.pcap"), "missing.pcap"},
       {"--port 1", "--port requires --in"},
+      {"--in " + dir.file("in.pcap") + " --mac 00:11", "00:11"},
   };
   for (const auto& [args, said] : cases) {
     const run_result r = lcsim(args);
