@@ -1,0 +1,45 @@
+#include "testkit/line_card.h"
+
+#include <cstring>
+#include <stdexcept>
+
+namespace testkit {
+
+namespace {
+constexpr std::uint32_t PORT_HANDLE_BASE = 0x100;
+}
+
+void line_card::add_port(std::uint32_t port, ctrl::port_bits bits, std::uint32_t input_queue) {
+  ctrl::line_port p;
+  p.port = port;
+  p.mac = ROUTER_MAC;
+  p.input_queue = input_queue;
+  p.if_handle = PORT_HANDLE_BASE + port;
+  p.bits = bits;
+  if (ifs_.add_port(p) != ctrl::error::none) throw std::invalid_argument("line port refused");
+}
+
+ctrl::l3_interface line_card::routed(std::uint32_t if_handle, bool ipv4, bool ipv6, bool mpls) {
+  ctrl::l3_interface cfg;
+  cfg.if_handle = if_handle;
+  cfg.ipv4 = ipv4;
+  cfg.ipv6 = ipv6;
+  cfg.mpls = mpls;
+  return cfg;
+}
+
+dist_hdr_line_st line_card::parse(std::uint32_t port, const std::vector<std::uint8_t>& frame) {
+  const auto bytes = npu().parser().parse(npu().memory(), port, frame);
+  dist_hdr_line_st hdr;
+  std::memcpy(hdr.bytes, bytes.data(), sizeof hdr.bytes);
+  return hdr;
+}
+
+model::packet_outcome line_card::receive(std::uint32_t port, std::vector<std::uint8_t> frame) {
+  npu().receive_line_frame(port, std::move(frame));
+  const auto out = h_.run();
+  if (out.size() != 1) throw std::logic_error("one frame in, not one outcome out");
+  return out.front();
+}
+
+}  // namespace testkit
