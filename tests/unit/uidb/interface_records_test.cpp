@@ -1,0 +1,329 @@
+// Interface records written by the control side, read back on an NPU thread
+// through the program's own lookups: every field the caller set stands as
+// set, and the fields the control side owns hold the interface's settings.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "dplane/infra/lookup.h"
+#include "npu/zephra/pkt_buf.h"
+#include "testkit/line_card.h"
+
+namespace {
+
+using bytes = std::vector<std::uint8_t>;
+using testkit::line_card;
+
+constexpr std::uint32_t PORT = 5;
+constexpr std::uint32_t PORT_HANDLE = 0x100 + PORT;
+
+template <class R>
+bytes bytes_of(const R& rec, std::size_t n = sizeof(R)) {
+  const auto* p = reinterpret_cast<const std::uint8_t*>(&rec);
+  return bytes(p, p + n);
+}
+
+// A record with every bit set by a pattern of its own, as a caller's
+// feature settings.
+template <class R>
+R patterned(std::uint8_t seed) {
+  R rec;
+  auto* p = reinterpret_cast<std::uint8_t*>(&rec);
+  for (std::size_t i = 0; i < sizeof rec; ++i) p[i] = static_cast<std::uint8_t>(seed * 37 + i * 91 + (i >> 2));
+  return rec;
+}
+
+class InterfaceRecords : public ::testing::Test {
+ protected:
+  void SetUp() override { card.add_port(PORT); }
+
+  // Runs a read through the program's lookups on the NPU thread.
+  template <class R, class Read>
+  R read(Read read_fn) {
+    R out{};
+    card.harness().on_thread([&](env_t env) {
+      lookup_dbg_new_pass(env);
+      out = read_fn(env);
+    });
+    return out;
+  }
+  mark_bits_st marks(std::uint32_t index) {
+    return read<mark_bits_st>([&](env_t env) {
+      pkt_update_ing_mark_bits(env, index);
+      return *pkt_rx_uidb_mark_bits(env);
+    });
+  }
+  // The handle's entry in the interface-handle table, if a search finds it.
+  std::optional<uidb_ifh_2_uidb_st> handle_entry(std::uint32_t if_handle) {
+    std::optional<uidb_ifh_2_uidb_st> out;
+    card.harness().on_thread([&](env_t env) {
+      lookup_dbg_new_pass(env);
+      uidb_ifh_2_uidb_key_st key;
+      key.ifhandle = if_handle;
+      hash_search_context_st ctx{};
+      hash_search_part_1_ID_IFH_2_UIDB_KEY_TABLE(env, &key, &ctx);
+      hash_search_part_2_ID_IFH_2_UIDB_KEY_TABLE(env, &key, &ctx);
+      if (hash_search_part_3_ID_IFH_2_UIDB_KEY_TABLE(env, &key, &ctx) != HASH_SEARCH_RC_MATCH) return;
+      uidb_ifh_2_uidb_st entry;
+      std::memcpy(entry.bytes, lookup_result_ID_IFH_2_UIDB_KEY_TABLE_RES(env)->bytes, sizeof entry.bytes);
+      out = entry;
+    });
+    return out;
+  }
+
+  line_card card;
+};
+
+ctrl::l3_interface full_l3() {
+  ctrl::l3_interface c = line_card::routed(0x5001, true, false, true);
+  c.vrf = 42;
+  c.line_up = false;
+  c.ingress_stats = 0x800123;
+  c.egress_stats = 0x456;
+  c.mtu = 9000;
+  c.ingress = patterned<uidb_l3_ing_fields_st>(1);
+  c.egress = patterned<uidb_l3_egr_fields_st>(2);
+  c.egress_ext = patterned<uidb_ext_l3_egr_st>(3);
+  c.ingress_ext = patterned<uidb_ext_l3_ing_st>(4);
+  c.ingress_fast_ext = patterned<uidb_ext_l3_fast_ing_st>(5);
+  c.egress_fast_ext = patterned<uidb_ext_l3_fast_egr_st>(6);
+  c.subscriber_ext = patterned<uidb_bng_ext_l3_ing_st>(7);
+  return c;
+}
+
+TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
+  const ctrl::l3_interface c = full_l3();
+  const auto added = card.ifs().add_vlan_subinterface(PORT, {{0x88a8, 200}, {0x8100, 300}}, c);
+  ASSERT_EQ(added.err, ctrl::error::none);
+  const std::uint16_t idx = added.uidb_index;
+
+  using ing = uidb_l3_ing_fields_st;
+  ing want_ing = c.ingress;
+  ing::coherency::set(want_ing, 1);
+  ing::l2_uidb::set(want_ing, 0);
+  ing::line_status_up::set(want_ing, 0);
+  ing::global_int::set(want_ing, 0);
+  ing::table_id::set(want_ing, 42);
+  ing::uidb_ifhandle::set(want_ing, 0x5001);
+  ing::stats_p::set(want_ing, 0x800123);
+  const ing got_ing = read<ing>([&](env_t env) {
+    lookup_request_ID_UIDB_L3_ING__COMM(env, idx);
+    lookup_wait_ID_UIDB_L3_ING__COMM(env);
+    return *lookup_result_ID_UIDB_L3_ING__COMM(env);
+  });
+  EXPECT_EQ(bytes_of(got_ing), bytes_of(want_ing));
+  EXPECT_EQ(ing::table_id::get(got_ing), 42u);
+  EXPECT_EQ(ing::ipv4::acl_qos_tcam_profile_id::get(got_ing), ing::ipv4::acl_qos_tcam_profile_id::get(c.ingress));
+
+  using egr = uidb_l3_egr_fields_st;
+  egr want_egr = c.egress;
+  egr::coherency_always_1::set(want_egr, 1);
+  egr::line_status_up::set(want_egr, 0);
+  egr::global_int::set(want_egr, 0);
+  egr::ext_req::set(want_egr, 1);
+  egr::fast_ext_req::set(want_egr, 1);
+  egr::out_if::port_id::set(want_egr, PORT);
+  egr::stats_p::set(want_egr, 0x456);
+  egr::vlan_tag1_en::set(want_egr, 1);
+  egr::tag1::tpid::set(want_egr, 0x88a8);
+  egr::tag1::tid::vlan::set(want_egr, 200);
+  egr::vlan_tag2_en::set(want_egr, 1);
+  egr::tag2::tpid::set(want_egr, 0x8100);
+  egr::tag2::tid::vlan::set(want_egr, 300);
+  const egr got_egr = read<egr>([&](env_t env) {
+    lookup_request_ID_UIDB_L3_EGR__COMM(env, idx);
+    lookup_wait_ID_UIDB_L3_EGR__COMM(env);
+    return *lookup_result_ID_UIDB_L3_EGR__COMM(env);
+  });
+  EXPECT_EQ(bytes_of(got_egr), bytes_of(want_egr));
+  EXPECT_EQ(egr::tag2::tid::vlan::get(got_egr), 300u);
+  EXPECT_EQ(egr::tag1::tid::cos::get(got_egr), egr::tag1::tid::cos::get(c.egress));
+
+  uidb_ext_l3_egr_st want_egr_ext = c.egress_ext;
+  uidb_ext_l3_egr_st::coherency_always_1::set(want_egr_ext, 1);
+  uidb_ext_l3_egr_st::ipmtu::set(want_egr_ext, 9000);
+  uidb_ext_l3_egr_st::uidb_ifhandle::set(want_egr_ext, 0x5001);
+  EXPECT_EQ(bytes_of(read<uidb_ext_l3_egr_st>([&](env_t env) {
+              lookup_request_ID_UIDB_EXT_L3_EGR__COMM(env, idx);
+              return *lookup_result_ID_UIDB_EXT_L3_EGR__COMM(env);
+            })),
+            bytes_of(want_egr_ext));
+
+  uidb_ext_l3_ing_st want_ext = *c.ingress_ext;
+  uidb_ext_l3_ing_st::coherency_always_1::set(want_ext, 1);
+  EXPECT_EQ(bytes_of(read<uidb_ext_l3_ing_part1_st>([&](env_t env) {
+              lookup_request_ID_UIDB_EXT_L3_ING__COMM(env, idx);
+              return *lookup_result_ID_UIDB_EXT_L3_ING__COMM(env);
+            })),
+            bytes_of(want_ext, sizeof(uidb_ext_l3_ing_part1_st)));
+  EXPECT_EQ(bytes_of(read<uidb_ext_l3_fast_ing_st>([&](env_t env) {
+              lookup_request_ID_UIDB_EXT_L3_FAST_ING__COMM(env, idx);
+              return *lookup_result_ID_UIDB_EXT_L3_FAST_ING__COMM(env);
+            })),
+            bytes_of(*c.ingress_fast_ext));
+  EXPECT_EQ(bytes_of(read<uidb_ext_l3_fast_egr_st>([&](env_t env) {
+              lookup_request_ID_UIDB_EXT_L3_FAST_EGR__COMM(env, idx);
+              return *lookup_result_ID_UIDB_EXT_L3_FAST_EGR__COMM(env);
+            })),
+            bytes_of(*c.egress_fast_ext));
+  uidb_bng_ext_l3_ing_st want_bng = *c.subscriber_ext;
+  uidb_bng_ext_l3_ing_st::coherency_always_1::set(want_bng, 1);
+  EXPECT_EQ(bytes_of(read<uidb_bng_ext_l3_ing_st>([&](env_t env) {
+              lookup_request_ID_UIDB_BNG_EXT_L3_ING(env, idx);
+              return *lookup_result_ID_UIDB_BNG_EXT_L3_ING(env);
+            })),
+            bytes_of(want_bng));
+
+  using m = mark_bits_st::l3;
+  const mark_bits_st got_marks = marks(idx);
+  EXPECT_EQ((std::vector<std::uint32_t>{m::rt_v4::get(got_marks), m::rt_v6::get(got_marks), m::rt_mpls::get(got_marks),
+                                        m::l2_uidb::get(got_marks), m::line_status_up::get(got_marks),
+                                        m::ipv4_en::get(got_marks), m::ipv6_en::get(got_marks),
+                                        m::mpls_en::get(got_marks), m::fast_ext_req::get(got_marks),
+                                        m::ext_req::get(got_marks), m::read_bng_uidb_ext::get(got_marks),
+                                        m::global_vrf::get(got_marks), m::uidb_maintenance_mode::get(got_marks)}),
+            (std::vector<std::uint32_t>{1, 0, 1, 0, 0, 1, 0, 1, 1, 1, 1, 0, 0}));
+
+  const auto entry = handle_entry(0x5001);
+  ASSERT_TRUE(entry);
+  EXPECT_EQ(uidb_ifh_2_uidb_st::valid::get(*entry), 1u);
+  EXPECT_EQ(uidb_ifh_2_uidb_st::match::get(*entry), 1u);
+  EXPECT_EQ(uidb_ifh_2_uidb_st::bvi::get(*entry), 0u);
+  EXPECT_EQ(uidb_ifh_2_uidb_st::uidb_index::get(*entry), idx);
+}
+
+TEST_F(InterfaceRecords, AbsentExtensionsStandAsZerosWithTheirRequestBitsClear) {
+  const std::uint16_t idx = card.ifs().add_physical_port(PORT, line_card::routed(0x5002, true, true, true)).uidb_index;
+  EXPECT_EQ(bytes_of(read<uidb_ext_l3_fast_ing_st>([&](env_t env) {
+              lookup_request_ID_UIDB_EXT_L3_FAST_ING__COMM(env, idx);
+              return *lookup_result_ID_UIDB_EXT_L3_FAST_ING__COMM(env);
+            })),
+            bytes(8, 0));
+  const mark_bits_st got = marks(idx);
+  EXPECT_EQ(mark_bits_st::l3::ext_req::get(got), 0u);
+  EXPECT_EQ(mark_bits_st::l3::fast_ext_req::get(got), 0u);
+  EXPECT_EQ(mark_bits_st::l3::read_bng_uidb_ext::get(got), 0u);
+  EXPECT_EQ(mark_bits_st::l3::global_vrf::get(got), 1u);
+  const auto egr = read<uidb_l3_egr_fields_st>([&](env_t env) {
+    lookup_request_ID_UIDB_L3_EGR__COMM(env, idx);
+    lookup_wait_ID_UIDB_L3_EGR__COMM(env);
+    return *lookup_result_ID_UIDB_L3_EGR__COMM(env);
+  });
+  EXPECT_EQ(uidb_l3_egr_fields_st::fast_ext_req::get(egr), 0u);
+  EXPECT_EQ(uidb_l3_egr_fields_st::vlan_tag1_en::get(egr), 0u);
+  EXPECT_EQ(uidb_l3_egr_fields_st::global_int::get(egr), 1u);
+}
+
+TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
+  ctrl::l2_interface c;
+  c.if_handle = 0x6001;
+  c.service = ctrl::l2_service::bridge;
+  c.bd_id = 0x1234;
+  c.ingress_stats = 0x20;
+  c.egress_stats = 0x30;
+  c.ingress = patterned<uidb_l2_ing_st>(11);
+  c.egress = patterned<uidb_l2_egr_st>(12);
+  c.ingress_ext = patterned<uidb_ext_l2_ing_st>(13);
+  c.egress_ext = patterned<uidb_ext_l2_egr_st>(14);
+  const auto added = card.ifs().add_l2_port(PORT, {{0x8100, 10}}, c);
+  ASSERT_EQ(added.err, ctrl::error::none);
+  const std::uint16_t idx = added.uidb_index;
+
+  using ing = uidb_l2_ing_st;
+  ing want_ing = c.ingress;
+  ing::vpws::coherency::set(want_ing, 1);
+  ing::vpws::l2_uidb::set(want_ing, 1);
+  ing::vpws::vpls::set(want_ing, 1);
+  ing::vpls::bd_id::set(want_ing, 0x1234);
+  ing::stats_p::set(want_ing, 0x20);
+  const ing got_ing = read<ing>([&](env_t env) {
+    lookup_request_ID_UIDB_L2_ING(env, idx);
+    lookup_wait_ID_UIDB_L2_ING(env);
+    return *lookup_result_ID_UIDB_L2_ING(env);
+  });
+  EXPECT_EQ(bytes_of(got_ing), bytes_of(want_ing));
+  EXPECT_EQ(ing::vpls::bd_id::get(got_ing), 0x1234u);
+  EXPECT_EQ(ing::xid::pool::index::get(got_ing), ing::xid::pool::index::get(c.ingress));
+
+  using egr = uidb_l2_egr_st;
+  egr want_egr = c.egress;
+  egr::coherency_always_1::set(want_egr, 1);
+  egr::line_status_up::set(want_egr, 1);
+  egr::ext_req::set(want_egr, 1);
+  egr::out_if::port_id::set(want_egr, PORT);
+  egr::stats_p::set(want_egr, 0x30);
+  EXPECT_EQ(bytes_of(read<egr>([&](env_t env) {
+              lookup_request_ID_UIDB_L2_EGR(env, idx);
+              lookup_wait_ID_UIDB_L2_EGR(env);
+              return *lookup_result_ID_UIDB_L2_EGR(env);
+            })),
+            bytes_of(want_egr));
+
+  uidb_ext_l2_ing_st want_ext = *c.ingress_ext;
+  uidb_ext_l2_ing_st::coherency_always_1::set(want_ext, 1);
+  uidb_ext_l2_ing_st::uidb_ifhandle::set(want_ext, 0x6001);
+  uidb_ext_l2_ing_st::uidb_ifhandle_main::set(want_ext, PORT_HANDLE);
+  EXPECT_EQ(bytes_of(read<uidb_ext_l2_ing_st>([&](env_t env) {
+              lookup_request_ID_UIDB_EXT_L2_ING(env, idx);
+              return *lookup_result_ID_UIDB_EXT_L2_ING(env);
+            })),
+            bytes_of(want_ext));
+  uidb_ext_l2_egr_st want_egr_ext = *c.egress_ext;
+  uidb_ext_l2_egr_st::coherency_always_1::set(want_egr_ext, 1);
+  uidb_ext_l2_egr_st::uidb_ifhandle::set(want_egr_ext, 0x6001);
+  EXPECT_EQ(bytes_of(read<uidb_ext_l2_egr_st>([&](env_t env) {
+              lookup_request_ID_UIDB_EXT_L2_EGR(env, idx);
+              return *lookup_result_ID_UIDB_EXT_L2_EGR(env);
+            })),
+            bytes_of(want_egr_ext));
+
+  using m = mark_bits_st::l2;
+  const mark_bits_st got_marks = marks(idx);
+  EXPECT_EQ(m::l2_uidb::get(got_marks), 1u);
+  EXPECT_EQ(m::vpls::get(got_marks), 1u);
+  EXPECT_EQ(m::line_status_up::get(got_marks), 1u);
+  EXPECT_EQ(m::ext_req::get(got_marks), 1u);
+  EXPECT_EQ(m::uidb_maintenance_mode::get(got_marks), 0u);
+  ASSERT_TRUE(handle_entry(0x6001));
+  EXPECT_EQ(uidb_ifh_2_uidb_st::uidb_index::get(*handle_entry(0x6001)), idx);
+}
+
+TEST_F(InterfaceRecords, UpdateRewritesRecordsMarksAndHandle) {
+  const std::uint16_t idx = card.ifs().add_physical_port(PORT, line_card::routed(0x5003, true, false, false)).uidb_index;
+  ctrl::l3_interface next = line_card::routed(0x5004, false, true, false);
+  next.vrf = 9;
+  ASSERT_EQ(card.ifs().update(idx, next), ctrl::error::none);
+  const auto ing = read<uidb_l3_ing_fields_st>([&](env_t env) {
+    lookup_request_ID_UIDB_L3_ING__COMM(env, idx);
+    lookup_wait_ID_UIDB_L3_ING__COMM(env);
+    return *lookup_result_ID_UIDB_L3_ING__COMM(env);
+  });
+  EXPECT_EQ(uidb_l3_ing_fields_st::table_id::get(ing), 9u);
+  EXPECT_EQ(uidb_l3_ing_fields_st::uidb_ifhandle::get(ing), 0x5004u);
+  const mark_bits_st got = marks(idx);
+  EXPECT_EQ(mark_bits_st::l3::ipv4_en::get(got), 0u);
+  EXPECT_EQ(mark_bits_st::l3::ipv6_en::get(got), 1u);
+  EXPECT_EQ(mark_bits_st::l3::uidb_maintenance_mode::get(got), 0u);
+  EXPECT_FALSE(handle_entry(0x5003));
+  ASSERT_TRUE(handle_entry(0x5004));
+  EXPECT_EQ(uidb_ifh_2_uidb_st::uidb_index::get(*handle_entry(0x5004)), idx);
+}
+
+TEST_F(InterfaceRecords, RemoveLeavesNoRecordNoHandleAndNoPlace) {
+  const std::uint16_t idx = card.ifs().add_physical_port(PORT, line_card::routed(0x5005, true, true, true)).uidb_index;
+  ASSERT_EQ(card.ifs().remove(idx), ctrl::error::none);
+  const auto ing = read<uidb_l3_ing_fields_st>([&](env_t env) {
+    lookup_request_ID_UIDB_L3_ING__COMM(env, idx);
+    return *lookup_result_ID_UIDB_L3_ING__COMM(env);
+  });
+  EXPECT_EQ(bytes_of(ing), bytes(32, 0));
+  EXPECT_EQ(bytes_of(marks(idx)), bytes(4, 0));
+  EXPECT_FALSE(handle_entry(0x5005));
+  EXPECT_EQ(card.ifs().remove(idx), ctrl::error::not_found);
+  // The index is free again.
+  EXPECT_EQ(card.ifs().add_physical_port(PORT, line_card::routed(0x5006, true, true, true)).uidb_index, idx);
+}
+
+}  // namespace
