@@ -115,39 +115,45 @@ const parser_interface* line_parser::find_interface(std::uint32_t port, std::uin
 std::array<std::uint8_t, DIST_HDR_BYTES> line_parser::parse(const table_memory& mem, std::uint32_t port,
                                                             std::span<const std::uint8_t> frame) {
   std::lock_guard lock(mutex_);
-  line hdr{};
-  baf b{};
-  line::dst_format::set(hdr, DST_FORMAT_LINE);
-  line::pktlen::set(hdr, static_cast<std::uint32_t>(frame.size()));
-  line::gpm_pkt_handle::set(hdr, next_handle_++);
-  baf::logical_port::set(b, port);
-  copy_port_bits(mem, port, b);
-
   const auto p = ports_.find(port);
   const parser_port* settings = p == ports_.end() ? nullptr : &p->second;
+  baf b{};
+  const frame_class f = classify(mem, port, frame, settings, b);
+  const vector_choice v = choose_vector(b, f);
+  baf::rt_result_valid::set(b, v.valid);
+
+  line hdr{};
+  line::dst_format::set(hdr, DST_FORMAT_LINE);
+  line::rt_result::set(hdr, v.vector);
+  line::frame_type::set(hdr, baf::l3_type::get(b));
+  line::pktlen::set(hdr, static_cast<std::uint32_t>(frame.size()));
+  line::gpm_pkt_handle::set(hdr, next_handle_++);
+  line::igpb_queue::set(hdr, settings ? settings->input_queue : 0);
+  std::array<std::uint8_t, DIST_HDR_BYTES> out{};
+  std::memcpy(out.data(), hdr.bytes, DIST_HDR_BAF_OFFSET);
+  std::memcpy(out.data() + DIST_HDR_BAF_OFFSET, b.bytes, sizeof b.bytes);
+  return out;
+}
+
+// Everything of the baf part but the vector's validity, and what the vector
+// rules read besides.
+frame_class line_parser::classify(const table_memory& mem, std::uint32_t port, std::span<const std::uint8_t> frame,
+                                  const parser_port* settings, baf_hdr_ing_st& b) const {
+  baf::logical_port::set(b, port);
+  copy_port_bits(mem, port, b);
   const ethernet_view eth = walk_ethernet(frame);
   frame_class f;
   f.ethertype = eth.ethertype;
-  if (settings) {
-    line::igpb_queue::set(hdr, settings->input_queue);
-    f.inject_port = settings->input_queue >= INJECT_QUEUE_FIRST && settings->input_queue <= INJECT_QUEUE_LAST;
-  }
-  if (eth.complete) decode_frame(frame, eth, settings, b, f);
-  const parser_interface* i = settings && eth.complete ? find_interface(port, eth.tags, eth.vids) : nullptr;
+  f.inject_port = settings && settings->input_queue >= INJECT_QUEUE_FIRST && settings->input_queue <= INJECT_QUEUE_LAST;
+  if (!eth.complete) return f;
+  decode_frame(frame, eth, settings, b, f);
+  const parser_interface* i = settings ? find_interface(port, eth.tags, eth.vids) : nullptr;
   if (i) {
     f.placed = true;
     baf::uidb_index::set(b, i->uidb_index);
     copy_marks(mem, i->uidb_index, b);
   }
-  const vector_choice v = choose_vector(b, f);
-  line::rt_result::set(hdr, v.vector);
-  baf::rt_result_valid::set(b, v.valid);
-  line::frame_type::set(hdr, baf::l3_type::get(b));
-
-  std::array<std::uint8_t, DIST_HDR_BYTES> out{};
-  std::memcpy(out.data(), hdr.bytes, DIST_HDR_BAF_OFFSET);
-  std::memcpy(out.data() + DIST_HDR_BAF_OFFSET, b.bytes, sizeof b.bytes);
-  return out;
+  return f;
 }
 
 }  // namespace model

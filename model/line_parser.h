@@ -16,7 +16,7 @@
 #include <span>
 
 #include "packet_io.h"
-#include "parser_l3.h"
+#include "parser_vector.h"
 #include "table_memory.h"
 
 namespace model {
@@ -53,6 +53,8 @@ class line_parser {
                                                  std::span<const std::uint8_t> frame);
 
  private:
+  frame_class classify(const table_memory& mem, std::uint32_t port, std::span<const std::uint8_t> frame,
+                       const parser_port* settings, baf_hdr_ing_st& b) const;
   const parser_interface* find_interface(std::uint32_t port, std::uint32_t tags,
                                          const std::array<std::uint16_t, 2>& vids) const;
 
