@@ -66,16 +66,25 @@ uidb_l3_ing_fields_st l3_ingress(const l3_interface& c) {
   return rec;
 }
 
+// The fields that the L3 and L2 egress records share and the control side
+// owns; the extension request is the caller's.
+template <class R, class Cfg>
+R egress_record(const Cfg& c, const interface_place& at, bool ext_req) {
+  R rec = c.egress;
+  R::coherency_always_1::set(rec, 1);
+  R::line_status_up::set(rec, c.line_up);
+  R::ext_req::set(rec, ext_req);
+  R::out_if::port_id::set(rec, at.port);
+  R::stats_p::set(rec, c.egress_stats);
+  return rec;
+}
+
+// The L3 egress extension is always there: the egress path reads its MTU.
 uidb_l3_egr_fields_st l3_egress(const l3_interface& c, const interface_place& at) {
   using r = uidb_l3_egr_fields_st;
-  r rec = c.egress;
-  r::coherency_always_1::set(rec, 1);
-  r::line_status_up::set(rec, c.line_up);
+  r rec = egress_record<r>(c, at, true);
   r::global_int::set(rec, c.vrf == 0);
-  r::ext_req::set(rec, 1);
   r::fast_ext_req::set(rec, c.egress_fast_ext.has_value());
-  r::out_if::port_id::set(rec, at.port);
-  r::stats_p::set(rec, c.egress_stats);
   set_egress_tags(rec, at.tags);
   return rec;
 }
@@ -101,14 +110,7 @@ uidb_l2_ing_st l2_ingress(const l2_interface& c) {
 }
 
 uidb_l2_egr_st l2_egress(const l2_interface& c, const interface_place& at) {
-  using r = uidb_l2_egr_st;
-  r rec = c.egress;
-  r::coherency_always_1::set(rec, 1);
-  r::line_status_up::set(rec, c.line_up);
-  r::ext_req::set(rec, c.egress_ext.has_value());
-  r::out_if::port_id::set(rec, at.port);
-  r::stats_p::set(rec, c.egress_stats);
-  return rec;
+  return egress_record<uidb_l2_egr_st>(c, at, c.egress_ext.has_value());
 }
 
 std::uint32_t marks_address(std::uint32_t index) {

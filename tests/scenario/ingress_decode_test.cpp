@@ -14,6 +14,7 @@
 #include "pktlib/packet_builder.h"
 #include "platform/shared/unbuilt_handlers.h"
 #include "testkit/line_card.h"
+#include "testkit/param_names.h"
 
 namespace {
 
@@ -151,12 +152,6 @@ TEST_P(IngressDecode, FrameReachesItsHandlerOrItsCounter) {
   EXPECT_EQ(o.end, model::packet_end::freed);
 }
 
-std::string row_name(const ::testing::TestParamInfo<row>& info) {
-  std::string name;
-  for (const char* p = info.param.what; *p; ++p) name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Frames, IngressDecode, ::testing::ValuesIn(rows()), row_name);
+INSTANTIATE_TEST_SUITE_P(Frames, IngressDecode, ::testing::ValuesIn(rows()), testkit::described<row>);
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -13,6 +12,7 @@
 #include "pktlib/checksum.h"
 #include "pktlib/packet_builder.h"
 #include "testkit/line_card.h"
+#include "testkit/param_names.h"
 
 namespace {
 
@@ -241,12 +241,6 @@ TEST_P(ParserDecodeBits, FrameGivesTheBitsOfItsHeader) {
   for (const bit& want : GetParam().bits) EXPECT_EQ(want.get(b), want.want) << want.name;
 }
 
-std::string row_name(const ::testing::TestParamInfo<decode_row>& info) {
-  std::string name;
-  for (const char* p = info.param.what; *p; ++p) name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Frames, ParserDecodeBits, ::testing::ValuesIn(decode_rows()), row_name);
+INSTANTIATE_TEST_SUITE_P(Frames, ParserDecodeBits, ::testing::ValuesIn(decode_rows()), testkit::described<decode_row>);
 
 }  // namespace

@@ -2,7 +2,6 @@
 // line card whose ports and interfaces the control side set up.
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -11,6 +10,7 @@
 #include "model/parser_vector.h"
 #include "pktlib/packet_builder.h"
 #include "testkit/line_card.h"
+#include "testkit/param_names.h"
 
 namespace {
 
@@ -177,12 +177,6 @@ TEST_P(ParserVector, FrameTakesTheVectorOfItsRule) {
   EXPECT_EQ(L::rt_result::get(hdr), r.vector);
 }
 
-std::string row_name(const ::testing::TestParamInfo<row>& info) {
-  std::string name;
-  for (const char* p = info.param.what; *p; ++p) name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Rules, ParserVector, ::testing::ValuesIn(rows()), row_name);
+INSTANTIATE_TEST_SUITE_P(Rules, ParserVector, ::testing::ValuesIn(rows()), testkit::described<row>);
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "dplane/infra/lookup_tables.h"
 #include "pktlib/packet_builder.h"
 #include "testkit/line_card.h"
+#include "testkit/param_names.h"
 
 namespace {
 
@@ -150,12 +151,6 @@ TEST_P(InterfaceErrors, BadInputIsRefusedAndChangesNothing) {
   EXPECT_EQ(card.hashes().free_buckets(), free_buckets);
 }
 
-std::string row_name(const ::testing::TestParamInfo<row>& info) {
-  std::string name;
-  for (const char* p = info.param.what; *p; ++p) name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
-  return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Calls, InterfaceErrors, ::testing::ValuesIn(rows()), row_name);
+INSTANTIATE_TEST_SUITE_P(Calls, InterfaceErrors, ::testing::ValuesIn(rows()), testkit::described<row>);
 
 }  // namespace
