@@ -19,6 +19,17 @@ void chassis::start() {
       t.host_thread = std::thread([&t] { run_npu_thread(t); });
     }
   }
+  std::unique_lock lock(mutex_);
+  idle_cv_.wait(lock, [&] { return started_locked(); });
+}
+
+bool chassis::started_locked() const {
+  for (const auto& n : npus_) {
+    for (std::uint32_t i = 0; i < n->thread_count(); ++i) {
+      if (!n->threads_[i]->asked_for_packet) return false;
+    }
+  }
+  return true;
 }
 
 bool chassis::idle_locked() const {
@@ -31,7 +42,7 @@ bool chassis::idle_locked() const {
 void chassis::run_until_idle() {
   start();
   std::unique_lock lock(mutex_);
-  cv_.wait(lock, [&] { return idle_locked(); });
+  idle_cv_.wait(lock, [&] { return idle_locked(); });
 }
 
 void chassis::stop() {
@@ -39,7 +50,7 @@ void chassis::stop() {
     std::lock_guard lock(mutex_);
     stopping_ = true;
   }
-  cv_.notify_all();
+  for (auto& n : npus_) n->work_cv_.notify_all();
   for (auto& n : npus_) {
     for (std::uint32_t i = 0; i < n->thread_count(); ++i) {
       std::thread& th = n->thread(i).host_thread;

@@ -2,9 +2,11 @@
 //
 // Every NPU thread is a host thread running the forwarding program. The
 // chassis mutex guards all queues, thread states and records of every NPU;
-// the condition variable wakes threads waiting for packets and callers
-// waiting for the chassis to go idle. Table memory has locks of its own and
-// is never touched under the chassis mutex.
+// each NPU's condition variable wakes its threads waiting for work, the
+// chassis's own wakes callers waiting for the threads to start or for the
+// chassis to go idle. Table memory has locks of its own and is never touched
+// under the chassis mutex; the flow locks of an NPU are taken inside it,
+// never around it.
 #pragma once
 
 #include <condition_variable>
@@ -27,7 +29,8 @@ class chassis {
   npu& at(std::size_t i) { return *npus_[i]; }
   std::size_t size() const { return npus_.size(); }
 
-  // Starts every NPU thread; each sets itself up and asks for its first packet.
+  // Starts every NPU thread and returns when each has set itself up and
+  // asked for its first packet.
   void start();
   // Returns when no packet is queued and every thread waits for one.
   void run_until_idle();
@@ -37,9 +40,10 @@ class chassis {
  private:
   friend class npu;
   bool idle_locked() const;
+  bool started_locked() const;
 
   std::mutex mutex_;
-  std::condition_variable cv_;
+  std::condition_variable idle_cv_;
   bool stopping_ = false;
   bool started_ = false;
   std::vector<std::unique_ptr<npu>> npus_;

@@ -114,6 +114,19 @@ void tlu_long_request(dma_request& r) {
   r.breach("long TLU command " + std::to_string(w0) + ", which nothing serves");
 }
 
+// A conversion moves the held packet to the lock of word 1 when its turn in
+// its present lock comes (model/flow_locks.h).
+void flowlock_convert(dma_request& r) {
+  npu_thread& t = r.thread();
+  const std::uint32_t lock = r.word(1);
+  if (lock > flow_locks::MAX_PROGRAM_LOCK) return r.breach("flow lock " + std::to_string(lock) + " beyond 16 bits");
+  if (t.holds_packet) r.owner().flow_order().convert(t.index, lock);
+  std::uint8_t* resp = r.response();
+  if (resp && r.word(0) == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
+    r.owner().memory().read(physical(r.word(2), r.word(3)), {resp, std::min(16u, r.cmd().resp_bytes)});
+  }
+}
+
 // The FLB: packet end and next packet, flow-lock conversion.
 void flb_request(dma_request& r) {
   npu_thread& t = r.thread();
@@ -121,13 +134,7 @@ void flb_request(dma_request& r) {
   const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && c.resp_loc == 0;
   const std::uint32_t w0 = r.word(0);
   if (!packet_end) {
-    if (w0 == FLB_CMD_FLOWLOCK_CONVERT || w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
-      std::uint8_t* resp = r.response();
-      if (resp && w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
-        r.owner().memory().read(physical(r.word(2), r.word(3)), {resp, std::min(16u, c.resp_bytes)});
-      }
-      return;
-    }
+    if (w0 == FLB_CMD_FLOWLOCK_CONVERT || w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) return flowlock_convert(r);
     r.breach("FLB request " + std::to_string(w0) + ", which nothing serves");
     return;
   }

@@ -26,7 +26,8 @@ const char* packet_end_name(packet_end end) {
   return "?";
 }
 
-npu::npu(chassis& owner, std::uint32_t id, const npu_config& cfg) : chassis_(owner), id_(id) {
+npu::npu(chassis& owner, std::uint32_t id, const npu_config& cfg)
+    : chassis_(owner), id_(id), flow_order_(cfg.threads) {
   for (std::uint32_t i = 0; i < cfg.threads; ++i) {
     auto t = std::make_unique<npu_thread>();
     t->owner = this;
@@ -42,7 +43,7 @@ std::uint64_t npu::enqueue(arriving_packet pkt) {
   std::lock_guard lock(chassis_.mutex_);
   const std::uint64_t seq = next_seq_++;
   queue_.emplace_back(seq, std::move(pkt));
-  chassis_.cv_.notify_all();
+  work_cv_.notify_one();
   return seq;
 }
 
@@ -87,7 +88,7 @@ void npu::run_on_thread(std::uint32_t thread, std::function<void()> fn) {
     threads_.at(thread)->tasks.emplace_back([&task] { task(); });
   }
   chassis_.start();
-  chassis_.cv_.notify_all();
+  work_cv_.notify_all();
   done.get();
 }
 
@@ -99,11 +100,16 @@ bool npu::idle_locked() const {
   return true;
 }
 
+// Outcomes of packets that share a flow lock are recorded in their order.
 void npu::finish_packet(npu_thread& t) {
   if (!t.holds_packet) return;
-  std::lock_guard lock(chassis_.mutex_);
-  outcomes_.push_back(std::move(t.current));
-  t.holds_packet = false;
+  flow_order_.wait_turn(t.index);
+  {
+    std::lock_guard lock(chassis_.mutex_);
+    outcomes_.push_back(std::move(t.current));
+    t.holds_packet = false;
+  }
+  flow_order_.leave(t.index);
 }
 
 void npu::note_placeholder(npu_thread& t, std::int32_t placeholder) {
@@ -126,8 +132,9 @@ void npu::wait_for_packet(npu_thread& t) {
     std::unique_lock lock(chassis_.mutex_);
     for (;;) {
       t.waiting = true;
-      chassis_.cv_.notify_all();
-      chassis_.cv_.wait(lock, [&] { return chassis_.stopping_ || !queue_.empty() || !t.tasks.empty(); });
+      t.asked_for_packet = true;
+      chassis_.idle_cv_.notify_all();
+      work_cv_.wait(lock, [&] { return chassis_.stopping_ || !queue_.empty() || !t.tasks.empty(); });
       t.waiting = false;
       if (chassis_.stopping_) throw thread_stop{};
       if (t.tasks.empty()) break;
@@ -139,6 +146,7 @@ void npu::wait_for_packet(npu_thread& t) {
     }
     next = std::move(queue_.front());
     queue_.pop_front();
+    flow_order_.arrive(t.index);
   }
   arriving_packet& pkt = next.second;
   std::memcpy(t.dmem.data(), pkt.dist_hdr.data(), DIST_HDR_BYTES);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "clock.h"
+#include "flow_locks.h"
 #include "gpb_engine.h"
 #include "igpu_engine.h"
 #include "line_parser.h"
@@ -72,7 +74,10 @@ struct npu_thread {
   lookup_cells lookups;
 
   std::thread host_thread;
-  bool waiting = false;  // blocked for a packet; guarded by the chassis mutex
+  // Guarded by the chassis mutex: set up and asked for a first packet;
+  // blocked for a packet.
+  bool asked_for_packet = false;
+  bool waiting = false;
   // Work to run on this thread between packets (tests call program functions
   // this way); guarded by the chassis mutex.
   std::deque<std::function<void()>> tasks;
@@ -102,6 +107,7 @@ class npu {
   npu_clock& clock() { return clock_; }
   gpb_engine& gpb() { return gpb_; }
   line_parser& parser() { return parser_; }
+  flow_locks& flow_order() { return flow_order_; }
 
   void set_global_config(std::uint32_t v) { global_config_ = v; }
   void set_router_id(std::uint32_t v) { router_id_ = v; }
@@ -127,6 +133,7 @@ class npu {
   // ---- used by the platform operations, on the NPU's own threads ----
   npu_thread& thread(std::uint32_t i) { return *threads_[i]; }
   std::uint32_t thread_count() const { return static_cast<std::uint32_t>(threads_.size()); }
+  // Records the packet's outcome when its turn in its flow lock comes.
   void finish_packet(npu_thread& t);
   void wait_for_packet(npu_thread& t);
   void note_placeholder(npu_thread& t, std::int32_t placeholder);
@@ -149,12 +156,14 @@ class npu {
   npu_clock clock_;
   gpb_engine gpb_;
   line_parser parser_;
+  flow_locks flow_order_;
   std::atomic<std::uint32_t> global_config_{0};
   std::atomic<std::uint32_t> router_id_{0};
   std::atomic<std::uint32_t> drop_capture_{0};
   std::vector<std::unique_ptr<npu_thread>> threads_;
 
   // Guarded by the chassis mutex.
+  std::condition_variable work_cv_;  // wakes this NPU's threads waiting for work
   std::deque<std::pair<std::uint64_t, arriving_packet>> queue_;
   std::uint64_t next_seq_ = 1;
   std::vector<packet_outcome> outcomes_;
