@@ -90,7 +90,7 @@ void internal_plat_per_packet_init(env_t env, boolean_t multipass) {
 
 // ---- packet-state debug table ----
 
-ps_dbg_entry ps_dbg[PS_FIELD_COUNT];
+thread_local ps_dbg_entry ps_dbg[PS_FIELD_COUNT];
 
 void ps_dbg_initialize(env_t env) {
   std::uint32_t i = 0;

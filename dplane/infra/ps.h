@@ -40,7 +40,9 @@ PS_ACCESSORS(common_flags2, common_flags2_st)
 #undef PS_DMEM
 #undef PS_TLM
 
-// Number of fields, and the process-wide debug table of their addresses.
+// Number of fields, and the debug table of their addresses. On the NPU every
+// thread sees its memories at one address and one table serves all; hosted,
+// each thread's memories lie elsewhere, so each thread keeps its own.
 #define PS_DMEM(name, type) +1
 #define PS_TLM(name, type) +1
 inline constexpr std::uint32_t PS_FIELD_COUNT = 2
@@ -53,6 +55,6 @@ struct ps_dbg_entry {
   const char* name;
   void* addr;
 };
-extern ps_dbg_entry ps_dbg[PS_FIELD_COUNT];
+extern thread_local ps_dbg_entry ps_dbg[PS_FIELD_COUNT];
 void ps_dbg_initialize(env_t env);
 void ps_initialize(env_t env);

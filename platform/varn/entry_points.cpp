@@ -1,7 +1,5 @@
 #include "entry_points.h"
 
-#include <cstring>
-
 #include "dplane/infra/drop.h"
 #include "platform/shared/unbuilt_handlers.h"
 #include "rx_exceptions.h"
@@ -63,20 +61,27 @@ const nph_handler_init_t nph_handlers[NPH_HANDLER_COUNT] = {
     {63, plat_process_inject_shim},
 };
 
+namespace {
+template <class F, std::size_t N>
+void store_entries(F (&table)[N], const F (&entries)[N]) {
+  for (std::size_t i = 0; i < N; ++i) std::atomic_ref(table[i]).store(entries[i], std::memory_order_relaxed);
+}
+}  // namespace
+
 // Every thread rebuilds the tables with the same contents at start, so a
-// thread that starts late writes what is already there.
+// thread that starts late writes what is already there, entry by entry.
 void init_ing_entry_points(env_t) {
   ing_entry_point_t local;
   for (auto& e : local.entry_point) e = ing_handlers[0].handler;
   for (const auto& row : ing_handlers) local.entry_point[row.vector] = row.handler;
-  std::memcpy(&ing_ep, &local, sizeof(local));
+  store_entries(ing_ep.entry_point, local.entry_point);
 }
 
 void init_nph_entry_points(env_t) {
   nph_entry_point_t local{};
   for (auto& e : local.entry_point) e = nph_handlers[0].handler;
   for (const auto& row : nph_handlers) local.entry_point[nph_type_to_ep_table_index(row.nph_type)] = row.handler;
-  std::memcpy(&nph_ep, &local, sizeof(local));
+  store_entries(nph_ep.entry_point, local.entry_point);
 }
 
 void drop_packet_bad_nph_shim(env_t env) { drop_packet(env, 0x294); }

@@ -2,6 +2,7 @@
 // line port, nph_ep by the fabric header type for packets from the fabric.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "fwc_types.h"
@@ -32,8 +33,19 @@ inline constexpr std::uint32_t ING_HANDLER_COUNT = 14;
 inline constexpr std::uint32_t NPH_HANDLER_COUNT = 26;
 inline constexpr std::uint32_t ING_MAX_WIRE_VECTOR = 12;
 
+// Every thread fills the tables at its start, with the same contents, while
+// other threads may already dispatch through them: each entry is stored and
+// loaded whole, as a relaxed atomic, and a reader sees the old or the new
+// pointer, which are equal. Read the tables through the two functions below.
 extern ing_entry_point_t ing_ep;
 extern nph_entry_point_t nph_ep;
+
+inline ing_fn_type ing_ep_entry(std::uint32_t vector) {
+  return std::atomic_ref(ing_ep.entry_point[vector]).load(std::memory_order_relaxed);
+}
+inline nph_fn_type nph_ep_entry(std::uint32_t index) {
+  return std::atomic_ref(nph_ep.entry_point[index]).load(std::memory_order_relaxed);
+}
 extern const ing_handler_init_t ing_handlers[ING_HANDLER_COUNT];
 extern const nph_handler_init_t nph_handlers[NPH_HANDLER_COUNT];
 

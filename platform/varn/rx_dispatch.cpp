@@ -38,7 +38,7 @@ boolean_t plat_rx_process_ing(env_t env) {
   } else if (vector > ING_MAX_WIRE_VECTOR) {
     handle_non_wire_vector(env);
   } else {
-    ing_ep.entry_point[vector](env, global_feature_enabled);
+    ing_ep_entry(vector)(env, global_feature_enabled);
   }
   return TRUE;
 }
@@ -59,7 +59,7 @@ boolean_t plat_rx_process(env_t env) {
 void plat_rx_process_egr(env_t env, std::uint32_t dst_format) {
   if (npu_verify_dst_error(env, dst_format)) return;
   const void* fab = plat_fab_hdr_of(env);
-  const nph_fn_type nph_fn = nph_ep.entry_point[nph_type_to_ep_table_index(plat_fab_get_nph_type(fab))];
+  const nph_fn_type nph_fn = nph_ep_entry(nph_type_to_ep_table_index(plat_fab_get_nph_type(fab)));
   if (plat_get_common_ptrace_fromfab(fab)) {
     lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, GLB_FABRIC_TRACE);
     cf::pkt_trace_on::set(*ps_put_mod_common_flags(env), 1);
