@@ -11,6 +11,7 @@
 #include "dplane/infra/lookup_ids.h"
 #include "dplane/infra/lookup_tables.h"
 #include "dplane/infra/lookup_types.h"
+#include "npu/zephra/bitmap_lock.h"
 #include "npu/zephra/plu.h"
 #include "npu/zephra/stats.h"
 #include "tlu_defs.h"
@@ -47,3 +48,9 @@ inline std::uint32_t lookup_record_word0(env_t env, std::uint32_t record_loc) {
 // the forward-state pattern (a record without it traps), counts global
 // counter 0xB7 and reads the shadow copy over the record.
 void lookup_coherency_reread(env_t env, lookup_id_e id, std::uint32_t record_loc);
+
+// A conversion to flowlock_id, request and response in the cell: the thread
+// never reads the response.
+inline void lookup_flowlock_convert(env_t env, std::uint32_t cell, std::uint32_t flowlock_id) {
+  dma_flowlock_convert(env, flowlock_id, cell, cell);
+}

@@ -27,6 +27,7 @@ enum class form {
   stats_read_clr_dyn_pool_cnt,  // physical read-and-clear of an entry
   plu_ipv4,                     // PLU route search: the key's first word is the command
   plu_ipv6,                     // the same for an IPv6 address
+  flowlock_convert,             // FLB conversion to a lock number, in the row's cell
   view,                         // no request: a typed window on a slot
 };
 
@@ -74,6 +75,13 @@ struct hash_table {
   bool caller_base = false; // its space's first bucket comes from the caller
 };
 
+// The bitmap of a lock family, a line of [lock_bitmaps]: its first word in
+// memory and the bits of its lock numbers.
+struct lock_bitmap {
+  std::uint32_t base = 0;
+  std::uint32_t bits = 0;
+};
+
 struct identifiers {
   std::vector<std::string> names;            // order of lookup_id_e, without ID_
   std::map<std::string, std::size_t> engine_of;  // base name -> index in engines
@@ -81,6 +89,7 @@ struct identifiers {
   std::set<std::string> hash_ids;            // family + suffix
   std::set<std::string> tags;
   std::set<std::string> protected_tables;
+  std::map<std::string, std::string> lock_family;  // lock identifier -> family
 };
 
 // One row of lookups.txt, as written.
@@ -107,6 +116,7 @@ struct catalogue {
   std::map<std::string, table_address> tables;
   std::map<std::string, hash_space> hash_spaces;
   std::vector<hash_table> hash_tables;  // in file order
+  std::map<std::string, lock_bitmap> lock_bitmaps;  // family -> bitmap
   std::vector<row> rows;
   const hash_table* hash_table_named(const std::string& name) const {
     for (const hash_table& t : hash_tables) {
@@ -131,6 +141,11 @@ struct lookup {
   bool has_alloc = false;           // exposes its request cell
   const hash_table* hash = nullptr;  // a search of an exact-key table
   std::uint32_t key_bytes = 0;       // hash search: bytes of the entry read into the key cells
+  // A lock row (<lock>__ACQUIRE or <lock>__RELEASE): the lock and its family.
+  std::string lock;
+  std::string lock_family;
+  bool lock_release = false;
+  const lock_bitmap* bitmap = nullptr;
   bool has_result() const { return !r->type.empty(); }
   form code() const { return r->calls.empty() ? eng->code : form::none; }
 };

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "hash_rows.h"
+#include "lock_rows.h"
 #include "resolve.h"
 
 namespace gen {
@@ -46,6 +47,7 @@ class ops_writer {
 
   void write(const lookup& l) {
     if (l.hash) return emit_hash_search(out_, l);
+    if (!l.lock.empty()) return emit_lock_row(out_, l);
     id_ = "ID_" + l.r->id;
     comment(l);
     if (!l.r->calls.empty()) {
@@ -55,35 +57,38 @@ class ops_writer {
     switch (l.code()) {
       case form::read: read_request(l); break;
       case form::mod_read: mod_request(l); break;
-      case form::glb_cnt: stats_request(l, "std::uint32_t stat_index", "stats_glb_cnt_request", "stat_index"); break;
+      case form::glb_cnt: cell_request(l, "std::uint32_t stat_index", "stats_glb_cnt_request", "stat_index"); break;
       case form::stats_add_inc:
-        stats_request(l, "std::uint32_t stat_index, std::uint32_t count", "stats_add_inc_request", "stat_index, count");
+        cell_request(l, "std::uint32_t stat_index, std::uint32_t count", "stats_add_inc_request", "stat_index, count");
         break;
       case form::stats_add_inc_split:
         alloc(l);
-        stats_request(l, "std::uint32_t stat_index, std::uint32_t", "stats_add_inc_split_request", "stat_index");
+        cell_request(l, "std::uint32_t stat_index, std::uint32_t", "stats_add_inc_split_request", "stat_index");
         break;
       case form::stats_uidb_add_inc:
-        stats_request(l, "std::uint32_t stat_base, std::uint32_t stat_index, std::uint32_t count",
+        cell_request(l, "std::uint32_t stat_base, std::uint32_t stat_index, std::uint32_t count",
                       "stats_uidb_add_inc_request", "stat_base, stat_index, count");
         break;
       case form::stats_uidb_add_inc_split:
         alloc(l);
-        stats_request(l, "std::uint32_t stat_base, std::uint32_t stat_index, std::uint32_t",
+        cell_request(l, "std::uint32_t stat_base, std::uint32_t stat_index, std::uint32_t",
                       "stats_uidb_add_inc_split_request", "stat_base, stat_index");
         break;
       case form::stats_uidb_add_inc_twin:
-        stats_request(l,
+        cell_request(l,
                       "std::uint32_t stat_base, std::uint32_t stat_index1, std::uint32_t count1, "
                       "std::uint32_t stat_index2, std::uint32_t count2",
                       "stats_uidb_add_inc_twin_request", "stat_base, stat_index1, count1, stat_index2, count2");
         break;
       case form::stats_inc_dyn_pool_cnt:
-        stats_request(l, "std::uint32_t stat_index, std::uint32_t offset", "stats_inc_dyn_pool_cnt_request",
+        cell_request(l, "std::uint32_t stat_index, std::uint32_t offset", "stats_inc_dyn_pool_cnt_request",
                       "stat_index, offset");
         break;
       case form::stats_read_clr_dyn_pool_cnt:
-        stats_request(l, "std::uint32_t stat_index", "stats_read_clr_dyn_pool_cnt_request", "stat_index");
+        cell_request(l, "std::uint32_t stat_index", "stats_read_clr_dyn_pool_cnt_request", "stat_index");
+        break;
+      case form::flowlock_convert:
+        cell_request(l, "std::uint32_t flowlock_id", "lookup_flowlock_convert", "flowlock_id");
         break;
       case form::plu_ipv4: plu_request(l, "std::uint32_t ipv4_addr", "plu_lookup_request_ipv4", "ipv4_addr"); break;
       case form::plu_ipv6:
@@ -150,7 +155,7 @@ class ops_writer {
     out_ << "  " << helper << "(env, " << rtt(*l.eng) << ", " << hex(l.slot) << ", " << addr_arg << ", vrf);\n}\n";
   }
 
-  void stats_request(const lookup& l, const std::string& params, const std::string& helper, const std::string& args) {
+  void cell_request(const lookup& l, const std::string& params, const std::string& helper, const std::string& args) {
     out_ << "inline void lookup_request_" << id_ << "(env_t env, " << params << ") {\n";
     if (l.cell_bytes > 0) note_request(l);
     out_ << "  " << helper << "(env, " << hex(l.cell) << ", " << args << ");\n}\n";
@@ -258,6 +263,7 @@ std::string tables_header(const catalogue& cat) {
       << direct.str() << "\n// Blocks of the global area.\n"
       << global.str();
   emit_hash_tables(out, cat);
+  emit_lock_bitmaps(out, cat);
   return out.str();
 }
 

@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "hash_rows.h"
+#include "lock_rows.h"
 
 namespace gen {
 
@@ -87,6 +88,7 @@ std::optional<form> form_named(const std::string& s) {
       {"stats_read_clr_dyn_pool_cnt", form::stats_read_clr_dyn_pool_cnt},
       {"plu_ipv4", form::plu_ipv4},
       {"plu_ipv6", form::plu_ipv6},
+      {"flowlock_convert", form::flowlock_convert},
       {"view", form::view},
   };
   auto it = forms.find(s);
@@ -142,6 +144,18 @@ std::optional<engine> engine_header(const std::vector<std::string>& words, int l
   return e;
 }
 
+// "[locks family=mac]": the family whose bitmap and lock numbers the locks use.
+std::string locks_header(const std::vector<std::string>& words, int line, reporter& report) {
+  std::string key;
+  std::string value;
+  std::string w = words.size() == 2 ? words[1] : "";
+  if (!w.empty() && w.back() == ']') w.pop_back();
+  if (!split_attr(w, key, value) || key != "family" || value.empty()) {
+    report(line, "a locks section names its family: [locks family=<family>]");
+  }
+  return value;
+}
+
 void add_name(identifiers& ids, std::set<std::string>& seen, const std::string& name) {
   if (seen.insert(name).second) ids.names.push_back(name);
 }
@@ -166,6 +180,7 @@ void parse_identifiers(std::string_view text, const std::string& file, catalogue
   std::vector<std::string> suffixes;
   std::vector<std::string> locks;
   std::string section;
+  std::string lock_family;
   std::optional<std::size_t> current_engine;
   for (const line_view& lv : lines_of(text)) {
     if (lv.words[0].front() == '[') {
@@ -177,8 +192,10 @@ void parse_identifiers(std::string_view text, const std::string& file, catalogue
           ids.engines.push_back(*e);
           current_engine = ids.engines.size() - 1;
         }
+      } else if (section == "locks") {
+        lock_family = locks_header(lv.words, lv.number, report);
       } else if (section != "hash_families" && section != "hash_suffixes" && section != "tags" &&
-                 section != "locks" && section != "protected") {
+                 section != "protected") {
         report(lv.number, "unknown section '" + section + "'");
       }
       continue;
@@ -204,6 +221,7 @@ void parse_identifiers(std::string_view text, const std::string& file, catalogue
         ids.tags.insert(w);
       } else if (section == "locks") {
         locks.push_back(w);
+        if (!ids.lock_family.emplace(w, lock_family).second) report(lv.number, "lock " + w + " stands twice");
       } else if (section == "protected") {
         ids.protected_tables.insert(w);
       } else {
@@ -259,14 +277,18 @@ void parse_tables(std::string_view text, const std::string& file, catalogue& cat
         }
         if (area_stride == 0) report(lv.number, "global_blocks without a stride");
       } else if (section != "paged" && section != "direct" && section != "hash_spaces" &&
-                 section != "hash_tables") {
+                 section != "hash_tables" && section != "lock_bitmaps") {
         report(lv.number, "unknown section '" + section + "'");
       }
       continue;
     }
+    const line_report line_fault = [&](int line, const std::string& what) { report(line, what); };
     if (section == "hash_spaces" || section == "hash_tables") {
-      const line_report hash_report = [&](int line, const std::string& what) { report(line, what); };
-      (section == "hash_spaces" ? parse_hash_space : parse_hash_table)(w, lv.number, cat, hash_report);
+      (section == "hash_spaces" ? parse_hash_space : parse_hash_table)(w, lv.number, cat, line_fault);
+      continue;
+    }
+    if (section == "lock_bitmaps") {
+      parse_lock_bitmap(w, lv.number, cat, line_fault);
       continue;
     }
     std::size_t first_name = 0;

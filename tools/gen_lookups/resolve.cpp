@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "hash_rows.h"
+#include "lock_rows.h"
 
 namespace gen {
 
@@ -31,6 +32,7 @@ form_rules rules_of(form f) {
     case form::stats_read_clr_dyn_pool_cnt: return {false, true, 8, false};
     case form::plu_ipv4: return {false, true, 8, false};
     case form::plu_ipv6: return {false, true, 20, false};
+    case form::flowlock_convert: return {true, false, 8, false};
     case form::view: return {false, true, 0, false};
     case form::none: return {false, false, 0, false};
   }
@@ -94,6 +96,10 @@ class row_checker {
     ok_ = true;
     l.r = &r;
     if (!split_identifier(r)) return false;
+    if (is_lock_row(cat_, r, l)) {
+      resolve_lock_row(cat_, r, l, [&](const std::string& what) { fail(r, what); });
+      return ok_;
+    }
     if (const hash_table* t = cat_.hash_table_named(base_)) {
       resolve_hash_row(cat_, r, *t, l, [&](const std::string& what) { fail(r, what); });
       return ok_;
@@ -219,11 +225,15 @@ void check_place(row_checker& check, const lookup& l) {
   }
 }
 
+// The two rows of one lock may share a cell: the release comes after the
+// acquire's answer has been read.
+bool same_lock(const lookup& a, const lookup& b) { return !a.lock.empty() && a.lock == b.lock; }
+
 void check_overlaps(row_checker& check, const std::vector<lookup>& all) {
   for (std::size_t j = 0; j < all.size(); ++j) {
     for (std::size_t i = 0; i < j; ++i) {
       auto group = shared_group(all[i], all[j]);
-      if (!group) continue;
+      if (!group || same_lock(all[i], all[j])) continue;
       for (const region& b : regions_of(all[j])) {
         for (const region& a : regions_of(all[i])) {
           if (a.begin < b.end && b.begin < a.end) {
@@ -267,6 +277,7 @@ std::vector<lookup> resolve(const catalogue& cat, errors& errs) {
     if (check.resolve_row(r, l)) all.push_back(l);
   }
   link_views(check, all);
+  check_lock_pairs(cat, [&](const row& r, const std::string& what) { check.fail(r, what); });
   for (const lookup& l : all) check_place(check, l);
   check_overlaps(check, all);
   return all;
@@ -276,7 +287,8 @@ std::vector<std::string> enum_names(const catalogue& cat) {
   std::vector<std::string> names = cat.ids.names;
   std::set<std::string> seen(names.begin(), names.end());
   for (const row& r : cat.rows) {
-    const bool search = cat.hash_table_named(r.id.substr(0, r.id.find("__"))) != nullptr;
+    lookup probe;
+    const bool search = cat.hash_table_named(r.id.substr(0, r.id.find("__"))) != nullptr && !is_lock_row(cat, r, probe);
     for (const std::string& id : search ? hash_row_ids(r) : std::vector<std::string>{r.id}) {
       if (seen.insert(id).second) names.push_back(id);
     }

@@ -30,13 +30,17 @@ IP_LEAF_ING EGR_PORT_PART2
 UC_DST_VPN_ING
 [engine resource=44]
 DROP_KEEP_PKT
+[engine form=flowlock_convert resource=44 response=8]
+FLOWLOCK_CONVERT
+[engine resource=120]
+MAC_LOCK
 [hash_families]
 LPTS_HASH
 [hash_suffixes]
 MOD KEY
 [tags]
-COMM ING EGR DEBUG SAT L2 IPV4
-[locks]
+COMM ING EGR DEBUG SAT L2 IPV4 TAIL MN__ACQUIRE MN__RELEASE
+[locks family=mac]
 MAC_LOCK__MN TX_ADJ
 [protected]
 UIDB_L3_ING NHINDEX L3_NRLDI_ING EGR_PORT_PART1 EGR_PORT_PART2
@@ -53,6 +57,8 @@ inline constexpr const char* TABLES = R"(
 0x40500000 32 TX_ADJ
 [global_blocks base=0x40342020 stride=32]
 1 GLOBAL_PKT_TRACE
+[lock_bitmaps]
+mac 0x404C8A10 16
 )";
 
 // The catalogue with `rows` as lookups.txt, and what the generator says.
