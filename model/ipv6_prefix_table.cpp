@@ -56,10 +56,46 @@ std::optional<plu_leaf_id> ipv6_prefix_table::find(const ipv6_key& key, unsigned
   return leaf;
 }
 
+// Walks the nodes shorter than the directory's bits for one value of them.
+ipv6_prefix_table::slot ipv6_prefix_table::directory_slot(std::uint32_t value) const {
+  const ipv6_key key{std::uint64_t{value} << (64 - DIRECTORY_BITS), 0};
+  slot s;
+  for (std::uint32_t i = root_; i != NONE;) {
+    const node& n = nodes_[i];
+    if (n.length >= DIRECTORY_BITS) {
+      s.start = i;
+      break;
+    }
+    if (common_length(key, n.key) < n.length) break;
+    if (n.leaf != NONE) s.best = prefix_match{n.leaf, n.length};
+    i = n.child[bit(key, n.length)];
+  }
+  return s;
+}
+
+// A change moves nodes only within the values its prefix covers. The
+// directory is made whole when the table first grows large.
+void ipv6_prefix_table::refresh_directory(const ipv6_key& key, unsigned length) {
+  if (directory_.empty() && prefixes_ < DIRECTORY_FROM) return;
+  std::uint32_t count = 1u << (DIRECTORY_BITS - std::min(length, DIRECTORY_BITS));
+  std::uint32_t first = static_cast<std::uint32_t>(key.hi >> (64 - DIRECTORY_BITS)) & ~(count - 1);
+  if (directory_.empty()) {
+    directory_.resize(std::size_t{1} << DIRECTORY_BITS);
+    first = 0;
+    count = static_cast<std::uint32_t>(directory_.size());
+  }
+  for (std::uint32_t v = first; v < first + count; ++v) directory_[v] = directory_slot(v);
+}
+
 // Descends while the node's prefix covers the new one; where they part, the
 // new prefix goes in above the node, or a branching node joins the two.
 void ipv6_prefix_table::set(const ipv6_key& key, unsigned length, plu_leaf_id leaf) {
   const ipv6_key k = masked(key, length);
+  insert(k, length, leaf);
+  refresh_directory(k, length);
+}
+
+void ipv6_prefix_table::insert(const ipv6_key& k, unsigned length, plu_leaf_id leaf) {
   for (link l;;) {
     const std::uint32_t cur = at(l);
     if (cur == NONE) {
@@ -105,7 +141,13 @@ void ipv6_prefix_table::splice(const link& l) {
 }
 
 void ipv6_prefix_table::erase(const ipv6_key& key, unsigned length) {
-  const auto where = locate(masked(key, length), length);
+  const ipv6_key k = masked(key, length);
+  remove(k, length);
+  refresh_directory(k, length);
+}
+
+void ipv6_prefix_table::remove(const ipv6_key& k, unsigned length) {
+  const auto where = locate(k, length);
   if (!where) return;
   const auto [here, parent] = *where;
   const std::uint32_t x = at(here);

@@ -5,6 +5,11 @@
 // and never allocates. The memory is linear in the number of prefixes, so
 // sparse tables of long prefixes stay small.
 //
+// A table that grows large gets a directory by the address's first 16 bits:
+// for each value, the first node of 16 bits or more on its path and the
+// best leaf above it, so a search skips the top of the trie. A change
+// refreshes the entries its prefix covers.
+//
 // Not thread-safe on its own: the PLU engine guards it.
 #pragma once
 
@@ -29,10 +34,18 @@ struct ipv6_key {
 class ipv6_prefix_table {
  public:
   static constexpr unsigned MAX_LENGTH = 128;
+  // Prefixes from which the table keeps its directory.
+  static constexpr std::size_t DIRECTORY_FROM = 4096;
 
   std::optional<prefix_match> search(const ipv6_key& key) const {
     std::optional<prefix_match> best;
-    for (std::uint32_t i = root_; i != NONE;) {
+    std::uint32_t i = root_;
+    if (!directory_.empty()) {
+      const slot& s = directory_[key.hi >> (64 - DIRECTORY_BITS)];
+      if (s.best.leaf != NONE) best = s.best;
+      i = s.start;
+    }
+    for (; i != NONE;) {
       const node& n = nodes_[i];
       if (common_length(key, n.key) < n.length) break;
       if (n.leaf != NONE) best = prefix_match{n.leaf, n.length};
@@ -52,6 +65,11 @@ class ipv6_prefix_table {
 
  private:
   static constexpr std::uint32_t NONE = 0xFFFFFFFF;
+  static constexpr unsigned DIRECTORY_BITS = 16;
+  struct slot {
+    std::uint32_t start = NONE;
+    prefix_match best{NONE, 0};
+  };
   struct node {
     ipv6_key key;  // the prefix, bits past length cleared
     std::uint32_t child[2] = {NONE, NONE};
@@ -78,11 +96,16 @@ class ipv6_prefix_table {
   // The link of the node of exactly key/length and the link of its parent.
   std::optional<std::pair<link, link>> locate(const ipv6_key& key, unsigned length) const;
   void splice(const link& l);
+  void insert(const ipv6_key& k, unsigned length, plu_leaf_id leaf);
+  void remove(const ipv6_key& k, unsigned length);
+  slot directory_slot(std::uint32_t value) const;
+  void refresh_directory(const ipv6_key& key, unsigned length);
 
   std::vector<node> nodes_;
   std::vector<std::uint32_t> free_;
   std::uint32_t root_ = NONE;
   std::size_t prefixes_ = 0;
+  std::vector<slot> directory_;  // empty below DIRECTORY_FROM prefixes
 };
 
 }  // namespace model

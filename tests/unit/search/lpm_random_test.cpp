@@ -18,7 +18,6 @@ using model::ipv6_key;
 using model::ipv6_prefix_table;
 using model::plu_leaf_id;
 
-constexpr int OPERATIONS = 4000;
 constexpr int SEARCHES = 6000;
 
 // One family's view for the shared test body.
@@ -26,6 +25,9 @@ struct v4 {
   using key = std::uint32_t;
   using table = ipv4_prefix_table;
   static constexpr unsigned max = 32;
+  static constexpr int operations = 4000;
+  static constexpr std::size_t min_routes = 0;
+  static unsigned length(std::mt19937& rng) { return rng() % (max + 1); }
   static key mask(key k, unsigned len) { return len == 0 ? 0 : k & (~0u << (32 - len)); }
   static key random(std::mt19937& rng) { return static_cast<key>(rng()); }
   // k with the bits from `from` on drawn at random.
@@ -37,6 +39,11 @@ struct v6 {
   using key = ipv6_key;
   using table = ipv6_prefix_table;
   static constexpr unsigned max = 128;
+  // Enough routes for the table's directory by the first 16 bits, which then
+  // follows every change; few routes shorter than 16 bits, as in real tables.
+  static constexpr int operations = 10000;
+  static constexpr std::size_t min_routes = ipv6_prefix_table::DIRECTORY_FROM;
+  static unsigned length(std::mt19937& rng) { return rng() % 16 ? 16 + rng() % (max - 15) : rng() % (max + 1); }
   static key mask(const key& k, unsigned len) { return ipv6_prefix_table::masked(k, len); }
   static key random(std::mt19937& rng) {
     return {(std::uint64_t{rng()} << 32) | rng(), (std::uint64_t{rng()} << 32) | rng()};
@@ -102,7 +109,7 @@ class RandomPrefixes : public testing::Test {
  protected:
   // A new prefix nests under an earlier one half of the time.
   std::pair<typename F::key, unsigned> draw() {
-    const unsigned len = rng() % (F::max + 1);
+    const unsigned len = F::length(rng);
     const auto known = ref.prefixes();
     if (known.empty() || rng() % 2) return {F::random(rng), len};
     const auto [k, l] = known[rng() % known.size()];
@@ -145,9 +152,10 @@ using families = testing::Types<v4, v6>;
 TYPED_TEST_SUITE(RandomPrefixes, families);
 
 TYPED_TEST(RandomPrefixes, LongestMatchAgreesWithTheReference) {
-  for (int i = 0; i < OPERATIONS; ++i) this->operate();
+  for (int i = 0; i < TypeParam::operations; ++i) this->operate();
   const auto known = this->ref.prefixes();
   ASSERT_EQ(this->table.size(), known.size());
+  ASSERT_GT(known.size(), TypeParam::min_routes);
   for (int i = 0; i < SEARCHES; ++i) {
     const auto& [k, len] = known[this->rng() % known.size()];
     const auto addr = i % 4 == 0 ? TypeParam::random(this->rng) : TypeParam::vary(this->rng, k, len);
@@ -157,7 +165,7 @@ TYPED_TEST(RandomPrefixes, LongestMatchAgreesWithTheReference) {
 }
 
 TYPED_TEST(RandomPrefixes, RemovingEveryPrefixLeavesAnEmptyTable) {
-  for (int i = 0; i < OPERATIONS / 2; ++i) this->operate();
+  for (int i = 0; i < TypeParam::operations / 2; ++i) this->operate();
   const auto known = this->ref.prefixes();
   for (const auto& [k, len] : known) this->table.erase(k, len);
   EXPECT_EQ(this->table.size(), 0u);
