@@ -1,6 +1,6 @@
-// The TCAM behind the ITC. It holds up to 65536 entries of value and mask bits; an entry's index
-// is the hit address a search answers, and the record index of the feature's
-// result table. Each entry belongs to one profile; a profile fixes the key
+// The TCAM behind the ITC. It holds up to 65536 entries of value and mask
+// bits; an entry's index is the hit address a search answers, and the record
+// index of the feature's result table. Each entry belongs to one profile; a profile fixes the key
 // width and holds the bit mask register (bmr): the key bits that a search
 // with bmr enabled compares. A search of a profile answers the lowest index
 // whose value equals the key on every bit that the entry's mask (and the
