@@ -47,10 +47,15 @@ bool optional_number_of(const std::string& word, std::optional<std::uint32_t>& o
 }  // namespace
 
 void parse_hash_space(const std::vector<std::string>& words, int line, catalogue& cat, const line_report& report) {
-  const std::optional<std::uint32_t> base = words.size() == 3 ? number_of(words[1]) : std::nullopt;
-  const std::uint32_t buckets = words.size() == 3 ? number_of(words[2]).value_or(0) : 0;
+  const char* usage = "a hash space line is <space> <first bucket> <buckets>";
+  if (words.size() != 3) {
+    report(line, usage);
+    return;
+  }
+  const std::optional<std::uint32_t> base = number_of(words[1]);
+  const std::uint32_t buckets = number_of(words[2]).value_or(0);
   if (!base || buckets == 0) {
-    report(line, "a hash space line is <space> <first bucket> <buckets>");
+    report(line, usage);
     return;
   }
   if (!cat.hash_spaces.emplace(words[0], hash_space{*base, buckets}).second) {
