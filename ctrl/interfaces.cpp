@@ -92,9 +92,13 @@ interface_added interfaces::add_l2_port(std::uint32_t port, const std::vector<vl
   return add_interface(port, tags, {0, 2}, cfg);
 }
 
-error interfaces::update(std::uint16_t uidb_index, const l3_interface& cfg) { return update_interface(uidb_index, cfg); }
+error interfaces::update(std::uint16_t uidb_index, const l3_interface& cfg) {
+  return update_interface(uidb_index, cfg);
+}
 
-error interfaces::update(std::uint16_t uidb_index, const l2_interface& cfg) { return update_interface(uidb_index, cfg); }
+error interfaces::update(std::uint16_t uidb_index, const l2_interface& cfg) {
+  return update_interface(uidb_index, cfg);
+}
 
 error interfaces::remove(std::uint16_t uidb_index) {
   const auto it = entries_.find(uidb_index);

@@ -31,7 +31,7 @@ struct port_bits {
 };
 
 struct line_port {
-  std::uint32_t port = 0;  // logical port, 0 to 4095
+  std::uint32_t port = 0;             // logical port, 0 to 4095
   std::array<std::uint8_t, 6> mac{};  // this router's MAC on the port
   std::uint32_t input_queue = 0;      // 0 to 127; 80 to 83 make an inject port
   std::uint32_t if_handle = 0;
@@ -52,8 +52,7 @@ class interfaces {
   // The port's own routed interface: untagged frames.
   interface_added add_physical_port(std::uint32_t port, const l3_interface& cfg);
   // A routed interface for frames with one or two tags.
-  interface_added add_vlan_subinterface(std::uint32_t port, const std::vector<vlan_tag>& tags,
-                                        const l3_interface& cfg);
+  interface_added add_vlan_subinterface(std::uint32_t port, const std::vector<vlan_tag>& tags, const l3_interface& cfg);
   // An L2 attachment on the whole port (no tags) or on one or two tags; it
   // takes frames with further tags too.
   interface_added add_l2_port(std::uint32_t port, const std::vector<vlan_tag>& tags, const l2_interface& cfg);
@@ -77,8 +76,7 @@ class interfaces {
   };
   error check_place(std::uint32_t port, const std::vector<vlan_tag>& tags, tag_range range) const;
   template <class Cfg>
-  interface_added add_interface(std::uint32_t port, const std::vector<vlan_tag>& tags, tag_range range,
-                                const Cfg& cfg);
+  interface_added add_interface(std::uint32_t port, const std::vector<vlan_tag>& tags, tag_range range, const Cfg& cfg);
   template <class Cfg>
   error update_interface(std::uint16_t uidb_index, const Cfg& cfg);
   error insert_handle(std::uint16_t uidb_index, std::uint32_t if_handle);

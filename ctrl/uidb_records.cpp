@@ -154,8 +154,8 @@ void write_records(model::npu& n, std::uint32_t index, const interface_place& at
   write_at(n, direct(TABLE_BASE_UIDB_EXT_L3_EGR, TABLE_STRIDE_UIDB_EXT_L3_EGR, index), l3_egress_ext(c));
   const auto coherent = [](auto& rec) { std::remove_reference_t<decltype(rec)>::coherency_always_1::set(rec, 1); };
   write_extension(n, direct(TABLE_BASE_UIDB_EXT_L3_ING, TABLE_STRIDE_UIDB_EXT_L3_ING, index), c.ingress_ext, coherent);
-  write_extension(n, direct(TABLE_BASE_UIDB_BNG_EXT_L3_ING, TABLE_STRIDE_UIDB_BNG_EXT_L3_ING, index),
-                  c.subscriber_ext, coherent);
+  write_extension(n, direct(TABLE_BASE_UIDB_BNG_EXT_L3_ING, TABLE_STRIDE_UIDB_BNG_EXT_L3_ING, index), c.subscriber_ext,
+                  coherent);
   const auto as_given = [](auto&) {};
   write_extension(n, direct(TABLE_BASE_UIDB_EXT_L3_FAST_ING, TABLE_STRIDE_UIDB_EXT_L3_FAST_ING, index),
                   c.ingress_fast_ext, as_given);

@@ -8,6 +8,7 @@
 #include "fwc_port.h"
 #include "fwc_uidb.h"
 #include "npu/zephra/pkt_decode.h"
+#include "npu/zephra/pkt_rx.h"
 #include "parser_frame.h"
 #include "parser_vector.h"
 
@@ -18,8 +19,6 @@ namespace {
 using line = dist_hdr_line_st;
 using baf = baf_hdr_ing_st;
 
-constexpr std::uint32_t INJECT_QUEUE_FIRST = 80;
-constexpr std::uint32_t INJECT_QUEUE_LAST = 83;
 constexpr std::uint16_t ETHERTYPE_MPLS_MULTICAST = 0x8848;
 constexpr std::uint32_t MARK_LOW_BITS = 8;
 
@@ -64,16 +63,16 @@ R read_record(const table_memory& mem, std::uint32_t addr) {
 
 // The interface's 20 marks, as the program's pkt_update_ing_mark_bits_base lays them.
 void copy_marks(const table_memory& mem, std::uint32_t uidb_index, baf& b) {
-  const auto rec = read_record<mark_bits_st>(
-      mem, TABLE_BASE_UIDB_MARK_BITS_ING + uidb_index * TABLE_STRIDE_UIDB_MARK_BITS_ING);
+  const auto rec =
+      read_record<mark_bits_st>(mem, TABLE_BASE_UIDB_MARK_BITS_ING + uidb_index * TABLE_STRIDE_UIDB_MARK_BITS_ING);
   const std::uint32_t marks = mark_bits_st::marks::get(rec);
   baf::baf_override_common::mark_bits_high::set(b, marks >> MARK_LOW_BITS);
   baf::baf_override_common::mark_bits_low::set(b, marks);
 }
 
 void copy_port_bits(const table_memory& mem, std::uint32_t port, baf& b) {
-  const auto rec = read_record<ingress_port_fields_part1_st>(
-      mem, TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING);
+  const auto rec =
+      read_record<ingress_port_fields_part1_st>(mem, TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING);
   baf::baf_override_common::portbits::set(b, ingress_port_fields_part1_st::port_bits::get(rec));
 }
 

@@ -17,9 +17,9 @@ constexpr std::uint32_t BROADCAST = 0xFFFFFFFF;
 constexpr std::uint32_t GROUP_MAC_BITS = 0x7FFFFF;  // a group's low 23 bits go into its MAC
 
 // The bits a packet needs for a clean vector.
-constexpr std::uint32_t SANE_BITS = be_word_mask<DECODE_WORD, v4::hdrlen_vld, v4::frame_gte_hdrlen,
-                                                 v4::frame_gte_hdrtotlen, v4::hdr_chksum_vld, v4::no_ip_options,
-                                                 v4::addr_sane, v4::ttl_gt_1>();
+constexpr std::uint32_t SANE_BITS =
+    be_word_mask<DECODE_WORD, v4::hdrlen_vld, v4::frame_gte_hdrlen, v4::frame_gte_hdrtotlen, v4::hdr_chksum_vld,
+                 v4::no_ip_options, v4::addr_sane, v4::ttl_gt_1>();
 
 bool in_prefix(std::uint32_t addr, std::uint32_t prefix, unsigned len) {
   return (addr >> (32 - len)) == (prefix >> (32 - len));
@@ -42,7 +42,11 @@ bool addresses_sane(std::uint32_t src, std::uint32_t dst) {
 
 mac_address group_mac_of(std::uint32_t group) {
   const std::uint32_t low = group & GROUP_MAC_BITS;
-  return {0x01, 0x00, 0x5E, static_cast<std::uint8_t>(low >> 16), static_cast<std::uint8_t>(low >> 8),
+  return {0x01,
+          0x00,
+          0x5E,
+          static_cast<std::uint8_t>(low >> 16),
+          static_cast<std::uint8_t>(low >> 8),
           static_cast<std::uint8_t>(low)};
 }
 

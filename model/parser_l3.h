@@ -14,8 +14,8 @@ namespace model {
 using mac_address = std::array<std::uint8_t, 6>;
 
 struct l3_verdict {
-  bool sane = false;       // every check of the protocol passed
-  bool multicast = false;  // addressed to a group
+  bool sane = false;        // every check of the protocol passed
+  bool multicast = false;   // addressed to a group
   mac_address group_mac{};  // the MAC of that group, for a multicast packet
 };
 

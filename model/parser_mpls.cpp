@@ -19,9 +19,9 @@ const mpls_hdr_st& label_at(std::span<const std::uint8_t> l3, std::uint32_t i) {
 }
 
 struct stack_walk {
-  std::uint32_t walked = 0;   // labels read
-  std::uint32_t count = 0;    // labels to the bottom of the stack; 0: not met
-  std::uint32_t eli_at = 0;   // place of an entropy label indicator below the top; 0: none
+  std::uint32_t walked = 0;  // labels read
+  std::uint32_t count = 0;   // labels to the bottom of the stack; 0: not met
+  std::uint32_t eli_at = 0;  // place of an entropy label indicator below the top; 0: none
 };
 
 stack_walk walk(std::span<const std::uint8_t> l3) {
@@ -50,7 +50,8 @@ l3_verdict decode_mpls(std::span<const std::uint8_t> l3, bool multicast_type, ba
   m::mpls_gt_1_label::set(baf, w.count >= 2 || deeper_than_walk);
   m::found_entropy_label::set(baf, w.eli_at != 0);
   m::entropy_label_offset::set(baf, w.eli_at);
-  m::mpls_inner_label_not_gal::set(baf, w.count != 0 && mpls_hdr_st::label::get(label_at(l3, w.count - 1)) != LABEL_GAL);
+  m::mpls_inner_label_not_gal::set(baf,
+                                   w.count != 0 && mpls_hdr_st::label::get(label_at(l3, w.count - 1)) != LABEL_GAL);
   m::mpls_outer_label_gt_15::set(baf, mpls_hdr_st::label::get(top) > LAST_RESERVED_LABEL);
   m::mpls_ttl_gt_1::set(baf, mpls_hdr_st::ttl::get(top) > 1);
   out.sane = (w.count != 0 || deeper_than_walk) && mpls_hdr_st::ttl::get(top) > 1;

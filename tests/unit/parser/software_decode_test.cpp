@@ -119,7 +119,11 @@ TEST_F(SoftwareDecode, AgreesWithTheParser) {
   card.ifs().add_physical_port(PORT, testkit::line_card::routed(0x10, true, true, true));
   const std::vector<bytes> frames = {
       eth().ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("192.0.2.1")).udp(1, 2).build(),
-      eth(pkt::mac("01:00:5e:01:01:01")).vlan(0x8100, 9).ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("239.1.1.1")).udp(1, 2).build(),
+      eth(pkt::mac("01:00:5e:01:01:01"))
+          .vlan(0x8100, 9)
+          .ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("239.1.1.1"))
+          .udp(1, 2)
+          .build(),
       eth().ipv6(pkt::ip6("fe80::1"), pkt::ip6("2001:db8::2")).udp(1, 2).build(),
       eth(pkt::mac("33:33:00:00:00:01")).ipv6(pkt::ip6("2001:db8::1"), pkt::ip6("ff02::1")).udp(1, 2).build(),
       eth().ipv6(pkt::ip6("2001:db8::1"), pkt::ip6("fe80::2")).udp(1, 2).build(),

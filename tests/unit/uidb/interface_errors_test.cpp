@@ -136,7 +136,9 @@ class InterfaceErrors : public ::testing::TestWithParam<row> {
       read(*ctrl::paged_record_address(card.npu(), TPD_IDX_UIDB_L3_EGR, idx), 32);
       read(TABLE_BASE_UIDB_MARK_BITS_ING + idx * TABLE_STRIDE_UIDB_MARK_BITS_ING, 4);
     }
-    for (std::uint32_t port : {PORT, PORT + 1}) read(TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING, 16);
+    for (std::uint32_t port : {PORT, PORT + 1}) {
+      read(TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING, 16);
+    }
     return out;
   }
 

@@ -291,7 +291,8 @@ TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
 }
 
 TEST_F(InterfaceRecords, UpdateRewritesRecordsMarksAndHandle) {
-  const std::uint16_t idx = card.ifs().add_physical_port(PORT, line_card::routed(0x5003, true, false, false)).uidb_index;
+  const std::uint16_t idx =
+      card.ifs().add_physical_port(PORT, line_card::routed(0x5003, true, false, false)).uidb_index;
   ctrl::l3_interface next = line_card::routed(0x5004, false, true, false);
   next.vrf = 9;
   ASSERT_EQ(card.ifs().update(idx, next), ctrl::error::none);
