@@ -5,10 +5,23 @@
 namespace model {
 
 chassis::chassis(const std::vector<npu_config>& npus) {
+  vqi_npu_.fill(NO_NPU);
   for (std::uint32_t i = 0; i < npus.size(); ++i) npus_.push_back(std::make_unique<npu>(*this, i, npus[i]));
 }
 
 chassis::~chassis() { stop(); }
+
+void chassis::map_vqi(std::uint32_t vqi, std::uint32_t npu_id) {
+  std::lock_guard lock(mutex_);
+  vqi_npu_.at(vqi) = npu_id;
+}
+
+std::optional<std::uint32_t> chassis::npu_of_vqi(std::uint32_t vqi) {
+  std::lock_guard lock(mutex_);
+  const std::uint32_t id = vqi < VQI_COUNT ? vqi_npu_[vqi] : NO_NPU;
+  if (id >= npus_.size()) return std::nullopt;
+  return id;
+}
 
 void chassis::start() {
   if (started_) return;

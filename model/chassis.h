@@ -11,8 +11,10 @@
 
 #include <condition_variable>
 #include <cstdint>
+#include <array>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "npu.h"
@@ -37,6 +39,11 @@ class chassis {
   // Ends every thread at its next packet request and joins them.
   void stop();
 
+  // The fabric's map of unicast destinations: VQI (11 bits) to NPU.
+  void map_vqi(std::uint32_t vqi, std::uint32_t npu_id);
+  std::optional<std::uint32_t> npu_of_vqi(std::uint32_t vqi);
+  static constexpr std::uint32_t VQI_COUNT = 2048;
+
  private:
   friend class npu;
   bool idle_locked() const;
@@ -47,6 +54,9 @@ class chassis {
   bool stopping_ = false;
   bool started_ = false;
   std::vector<std::unique_ptr<npu>> npus_;
+  // Guarded by mutex_; NO_NPU where no NPU serves the VQI.
+  static constexpr std::uint32_t NO_NPU = ~0u;
+  std::array<std::uint32_t, VQI_COUNT> vqi_npu_;
 };
 
 }  // namespace model

@@ -11,6 +11,7 @@
 #include "plu_requests.h"
 #include "stats_engine.h"
 #include "tlu_engine.h"
+#include "transmit_engine.h"
 
 namespace model {
 
@@ -127,14 +128,22 @@ void flowlock_convert(dma_request& r) {
   }
 }
 
-// The FLB: packet end and next packet, flow-lock conversion.
+// A keep send: a copy leaves, the packet stays with the thread.
+void keep_send(dma_request& r) {
+  if (!r.thread().holds_packet) return r.breach("keep send without a packet");
+  transmit_gather(r);
+}
+
+// The FLB: packet end (free or send) and next packet, keep sends, flow-lock
+// conversion.
 void flb_request(dma_request& r) {
   npu_thread& t = r.thread();
   const dma_cmd& c = r.cmd();
-  const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && c.resp_loc == 0;
   const std::uint32_t w0 = r.word(0);
+  const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && (c.resp_loc == 0 || is_gather_request(w0));
   if (!packet_end) {
     if (w0 == FLB_CMD_FLOWLOCK_CONVERT || w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) return flowlock_convert(r);
+    if (is_gather_request(w0) && (r.word(2) & GATHER_KEEP_BIT)) return keep_send(r);
     r.breach("FLB request " + std::to_string(w0) + ", which nothing serves");
     return;
   }
@@ -144,6 +153,9 @@ void flb_request(dma_request& r) {
   if (t.holds_packet) {
     if (w0 == FREE_EGRESS || w0 == FREE_INGRESS) {
       t.current.end = packet_end::freed;
+    } else if (is_gather_request(w0)) {
+      transmit_gather(r);
+      if (t.current.end != packet_end::contract_breach) t.current.end = packet_end::sent;
     } else {
       r.breach("packet-ending request " + std::to_string(w0) + ", which nothing serves");
     }

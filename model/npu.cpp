@@ -21,6 +21,7 @@ constexpr std::uint32_t PKT_END_RESPONSE_BYTES = 128;
 const char* packet_end_name(packet_end end) {
   switch (end) {
     case packet_end::freed: return "freed";
+    case packet_end::sent: return "sent";
     case packet_end::contract_breach: return "contract breach";
   }
   return "?";

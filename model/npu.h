@@ -97,6 +97,7 @@ class npu {
   npu& operator=(const npu&) = delete;
 
   std::uint32_t id() const { return id_; }
+  chassis& owner_chassis() { return chassis_; }
   table_memory& memory() { return memory_; }
   stats_memory& stats() { return stats_; }
   page_descriptors& pages() { return pages_; }

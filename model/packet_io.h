@@ -17,6 +17,7 @@ struct arriving_packet {
 
 enum class packet_end {
   freed,            // the buffer was given back (drop, or a finished packet)
+  sent,             // the packet left through the transmit engine
   contract_breach,  // the program broke the platform contract; see note
 };
 

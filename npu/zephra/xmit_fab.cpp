@@ -1,0 +1,117 @@
+#include "xmit_fab.h"
+
+#include "arch_tie.h"
+#include "dma_common.h"
+#include "dplane/infra/ps.h"
+#include "pkt_buf.h"
+#include "pkt_rx.h"
+#include "platform/varn/fab_hdr_access.h"
+#include "platform/varn/fab_hdr.h"
+#include "platform/varn/fab_hdr_write.h"
+
+namespace {
+
+using cf = common_flags_st;
+constexpr std::uint32_t PIECE_COUNT_SHIFT = 30;
+constexpr std::uint32_t PIECE_LEN_SHIFT = 16;
+constexpr std::uint32_t PIECE_LEN_MASK = 0x3FFF;
+constexpr std::uint32_t HANDLE_SHIFT = 16;
+constexpr std::uint32_t HANDLE_MASK = 0x1FFF;
+constexpr std::uint32_t FIRST_PIECE_WORD = 3;
+
+void write_gather_head(env_t env, be_u32* req, boolean_t mcast) {
+  req[0] = pkt_rx_is_ingress(env) ? GATHER_CMD_INGRESS : GATHER_CMD_LOOPBACK;
+  req[1] = 0;
+  const std::uint32_t handle = (pkt_rx_gpm_pkt_handle(env) & HANDLE_MASK) << HANDLE_SHIFT;
+  req[2] = handle | GATHER_HANDLE_VALID | (mcast ? GATHER_MCAST : 0);
+}
+
+// The fabric takes no frame under 64 bytes: bytes from pkt_start pad it.
+void npu_xmit_pkt_fab_prep_small_pkt(env_t env, be_u32* pad_piece, std::uint32_t frame_len) {
+  if (std::uint8_t* fab = *ps_get_xmit_fab_encap_start(env)) {
+    dc3_nph_st::dc3_plen::set(fab_as<dc3_nph_st>(fab), FAB_MIN_FRAME_LEN - FAB_PLEN_EXCLUDED);
+  }
+  *pad_piece = npu_gather_piece(env, 0, FAB_MIN_FRAME_LEN - frame_len, *ps_get_pkt_start(env));
+}
+
+// A packet on the egress side goes back to the fabric behind a 7-byte shim.
+void npu_xmit_pkt_prep_service_loopback(env_t env, std::uint8_t* shim, std::uint32_t total_len,
+                                        std::uint32_t payload_len, std::uint32_t sl_feature_id) {
+  const common_flags_st& flags = *ps_get_common_flags(env);
+  shim[0] = 0x00;
+  shim[1] = cf::critical_priority::get(flags) ? 0x29 : 0x28;
+  const std::uint32_t len_word = ((shim[2] << 8) & 0xC000) | ((total_len + NPU_SPAN_EGR_FAB_SHIM_SIZE) & 0x3FFF);
+  shim[2] = static_cast<std::uint8_t>(len_word >> 8);
+  shim[3] = static_cast<std::uint8_t>(len_word);
+  const std::uint32_t payload_word = ((shim[4] << 8) & 0xC000) | (payload_len & 0x3FFF);
+  shim[4] = static_cast<std::uint8_t>(payload_word >> 8);
+  shim[5] = static_cast<std::uint8_t>(payload_word);
+  shim[6] = static_cast<std::uint8_t>((sl_feature_id & 0x7F) | (cf::pkt_trace_on::get(flags) << 7));
+}
+
+}  // namespace
+
+// Offsets count from the packet buffer's start, which the loop asked for once
+// at arrival and keeps ahead of pkt_mem_start.
+std::uint32_t npu_gather_piece(env_t env, std::uint32_t count, std::uint32_t len, const std::uint8_t* addr) {
+  const std::uint8_t* buf_start = *ps_get_pkt_mem_start(env) - PKT_BUF_HEAD_ROOM;
+  const auto offset = static_cast<std::uint32_t>(addr - buf_start);
+  return (count << PIECE_COUNT_SHIFT) | ((len & PIECE_LEN_MASK) << PIECE_LEN_SHIFT) | (offset & 0xFFFF);
+}
+
+void plat_final_fab_prep(env_t env, std::uint8_t* encap, std::uint32_t total_frame_len) {
+  *ps_put_mod_xmit_fab_encap_start(env) = encap;
+  if (encap == nullptr) return;
+  dc3_nph_st::dc3_plen::set(fab_as<dc3_nph_st>(encap), total_frame_len - FAB_PLEN_EXCLUDED);
+}
+
+// Multicast headers (no fabric port) carry a checksum; unicast ones do not.
+void plat_final_fab_prep2(env_t env) {
+  std::uint8_t* fab = *ps_get_xmit_fab_encap_start(env);
+  if (fab == nullptr || dc3_nph_st::dc3_sfp_valid::get(fab_as<dc3_nph_st>(fab))) return;
+  dc3_set_checksum(fab);
+}
+
+void npu_xmit_pkt_fab_prep(env_t env, std::uint8_t* encap_addr, std::uint32_t encap_len, std::uint8_t* payload_addr,
+                           std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast) {
+  const std::uint32_t frame_len = encap_len + payload_len;
+  plat_final_fab_prep(env, encap_addr, frame_len);
+  be_u32* req = dma_cell_words(env, gather_req_loc);
+  write_gather_head(env, req, mcast);
+  std::uint8_t* first = encap_addr ? encap_addr : payload_addr;
+  std::uint32_t first_len = encap_addr ? encap_len : payload_len;
+  if (!pkt_rx_is_ingress(env)) {
+    first -= NPU_SPAN_EGR_FAB_SHIM_SIZE;
+    first_len += NPU_SPAN_EGR_FAB_SHIM_SIZE;
+    npu_xmit_pkt_prep_service_loopback(env, first, frame_len, payload_len, SL_FEATURE_ID_FABRIC);
+  }
+  const bool small = frame_len < FAB_MIN_FRAME_LEN;
+  const std::uint32_t count = (encap_addr ? 2u : 1u) + (small ? 1u : 0u);
+  be_u32* piece = req + FIRST_PIECE_WORD;
+  piece[0] = npu_gather_piece(env, count, first_len, first);
+  if (encap_addr) piece[1] = npu_gather_piece(env, 0, payload_len, payload_addr);
+  if (small) npu_xmit_pkt_fab_prep_small_pkt(env, &piece[count - 1], frame_len);
+}
+
+void npu_xmit_pkt_fab(env_t env, std::uint32_t flb_gather_req_loc, std::uint32_t gather_resp_loc) {
+  plat_final_fab_prep2(env);
+  if (cf::keep_gpm::get(*ps_get_common_flags(env))) {
+    npu_xmit_pkt_keep(env, FALSE, flb_gather_req_loc, GATHER_KEEP_REQ_BYTES, GATHER_KEEP_RESP_LOC);
+    return;
+  }
+  dma_flush_initiate_and_wait(env, FLB_SEND_CMD | (flb_gather_req_loc / 16) | ((gather_resp_loc / 16) << 12));
+}
+
+void npu_pkt_tx_request_ing(env_t env) { npu_xmit_pkt_fab(env, FLB_GATHER_REQ_LOC, FLB_GATHER_RESP_LOC); }
+
+// A copy leaves; the buffer stays with the thread for the work that follows.
+// With a QSM word the gather words start one word later.
+void npu_xmit_pkt_keep(env_t env, boolean_t qsm_header_present, std::uint32_t flb_gather_req_loc,
+                       std::uint32_t flb_gather_req_size, std::uint32_t res_loc) {
+  be_u32* req = dma_cell_words(env, flb_gather_req_loc) + (qsm_header_present ? 1 : 0);
+  req[0] = req[0].get() & ~GATHER_CMD_CLEAR_ON_KEEP;
+  if (flb_gather_req_size == GATHER_KEEP_REQ_BYTES) req[1] = *ps_get_next_flowlock_id(env);
+  req[2] = req[2].get() | GATHER_KEEP;
+  gpmwbi();
+  dma_initiate(env, dma_build_cmd(RES_FLB, flb_gather_req_loc, flb_gather_req_size, res_loc, 16));
+}
