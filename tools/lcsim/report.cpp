@@ -8,6 +8,7 @@
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
 #include "platform/shared/unbuilt_handlers.h"
+#include "fab_hdr_report.h"
 #include "platform/varn/dist_hdr.h"
 
 namespace lcsim {
@@ -39,13 +40,34 @@ std::string ending(const model::packet_outcome& o) {
   return s + model::packet_end_name(o.end);
 }
 
+void print_fields(std::FILE* out, const std::vector<std::uint8_t>& frame) {
+  for (const std::string& f : fabric_header_fields(frame)) std::fprintf(out, "         %s\n", f.c_str());
+}
+
+// The fabric header a packet arrived with, and those of the frames it sent.
+void print_fabric_headers(std::FILE* out, const packet_result& r) {
+  dist_hdr_fabric_st hdr;
+  std::memcpy(hdr.bytes, r.outcome.dist_hdr.data(), sizeof hdr.bytes);
+  if (r.input && dist_hdr_fabric_st::dst_format::get(hdr) == DST_FORMAT_FABRIC) {
+    std::fprintf(out, "       arrived with fabric header:\n");
+    print_fields(out, r.input->packet.bytes);
+  }
+  for (const model::sent_frame& f : r.outcome.sent) {
+    if (f.to != model::frame_destination::fabric) continue;
+    std::fprintf(out, "       sent %zu bytes to the fabric, VQI %u, header:\n", f.bytes.size(), f.port);
+    print_fields(out, f.bytes);
+  }
+}
+
 }  // namespace
 
 void print_report(std::FILE* out, model::chassis& chassis, const std::vector<packet_result>& results) {
   std::fprintf(out, "Packets\n");
   for (const packet_result& r : results) {
     std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq),
-                 r.outcome.npu, r.input->description.c_str(), ending(r.outcome).c_str());
+                 r.outcome.npu, r.input ? r.input->description.c_str() : "from the fabric",
+                 ending(r.outcome).c_str());
+    print_fabric_headers(out, r);
   }
   std::fprintf(out, "Counters\n");
   for (std::size_t n = 0; n < chassis.size(); ++n) {

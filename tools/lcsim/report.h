@@ -10,7 +10,7 @@
 namespace lcsim {
 
 struct packet_result {
-  const scenario_packet* input;
+  const scenario_packet* input;  // null for a frame that came from the fabric
   model::packet_outcome outcome;
 };
 

@@ -1,10 +1,14 @@
 #include "run.h"
 
 #include <algorithm>
+#include <tuple>
+
+#include "ctrl/fabric.h"
 
 namespace lcsim {
 
 std::vector<packet_result> run_scenario(model::chassis& chassis, const scenario& sc) {
+  for (const vqi_route& v : sc.vqis) ctrl::map_vqi(chassis, v.vqi, v.npu);
   std::vector<std::uint64_t> seqs;
   for (const auto& p : sc.packets) {
     model::npu& n = chassis.at(p.npu);
@@ -15,13 +19,17 @@ std::vector<packet_result> run_scenario(model::chassis& chassis, const scenario&
   std::vector<packet_result> results;
   for (std::size_t n = 0; n < chassis.size(); ++n) {
     for (auto& o : chassis.at(n).take_outcomes()) {
+      const scenario_packet* input = nullptr;
       for (std::size_t i = 0; i < sc.packets.size(); ++i) {
-        if (sc.packets[i].npu == n && seqs[i] == o.seq) results.push_back({&sc.packets[i], std::move(o)});
+        if (sc.packets[i].npu == n && seqs[i] == o.seq) input = &sc.packets[i];
       }
+      results.push_back({input, std::move(o)});
     }
   }
   std::sort(results.begin(), results.end(),
-            [](const auto& a, const auto& b) { return a.outcome.seq < b.outcome.seq; });
+            [](const auto& a, const auto& b) {
+              return std::tie(a.outcome.npu, a.outcome.seq) < std::tie(b.outcome.npu, b.outcome.seq);
+            });
   return results;
 }
 

@@ -21,8 +21,15 @@ struct scenario_packet {
   model::arriving_packet packet;
 };
 
+// A unicast fabric destination and the NPU that serves it.
+struct vqi_route {
+  std::uint32_t vqi = 0;
+  std::uint32_t npu = 0;
+};
+
 struct scenario {
   std::uint32_t npus = 1;
+  std::vector<vqi_route> vqis;
   std::vector<scenario_packet> packets;
 };
 
