@@ -115,23 +115,32 @@ void tlu_long_request(dma_request& r) {
   r.breach("long TLU command " + std::to_string(w0) + ", which nothing serves");
 }
 
-// A conversion moves the held packet to the lock of word 1 when its turn in
-// its present lock comes (model/flow_locks.h).
-void flowlock_convert(dma_request& r) {
+// Moves the held packet to the flow lock of word 1 when its turn in its
+// present lock comes (model/flow_locks.h).
+void convert_to_lock_of_word1(dma_request& r) {
   npu_thread& t = r.thread();
   const std::uint32_t lock = r.word(1);
   if (lock > flow_locks::MAX_PROGRAM_LOCK) return r.breach("flow lock " + std::to_string(lock) + " beyond 16 bits");
   if (t.holds_packet) r.owner().flow_order().convert(t.index, lock);
+}
+
+void flowlock_convert(dma_request& r) {
+  convert_to_lock_of_word1(r);
   std::uint8_t* resp = r.response();
   if (resp && r.word(0) == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
     r.owner().memory().read(physical(r.word(2), r.word(3)), {resp, std::min(16u, r.cmd().resp_bytes)});
   }
 }
 
-// A keep send: a copy leaves, the packet stays with the thread.
+// A keep send: a copy leaves in the packet's turn, and the packet stays with
+// the thread; a 24-byte request converts it to the flow lock of word 1.
 void keep_send(dma_request& r) {
-  if (!r.thread().holds_packet) return r.breach("keep send without a packet");
+  npu_thread& t = r.thread();
+  if (!t.holds_packet) return r.breach("keep send without a packet");
+  constexpr std::uint32_t KEEP_REQUEST_WITH_LOCK_BYTES = 24;
+  r.owner().flow_order().wait_turn(t.index);
   transmit_gather(r);
+  if (r.cmd().req_bytes == KEEP_REQUEST_WITH_LOCK_BYTES) convert_to_lock_of_word1(r);
 }
 
 // The FLB: packet end (free or send) and next packet, keep sends, flow-lock
@@ -151,6 +160,8 @@ void flb_request(dma_request& r) {
   constexpr std::uint32_t FREE_INGRESS = 0x00000C14;
   constexpr std::uint32_t FREE_EGRESS = 0x00000C15;
   if (t.holds_packet) {
+    // The end is the packet's last ordering point: what it sends leaves in its turn.
+    r.owner().flow_order().wait_turn(t.index);
     if (w0 == FREE_EGRESS || w0 == FREE_INGRESS) {
       t.current.end = packet_end::freed;
     } else if (is_gather_request(w0)) {
