@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,7 @@ struct packet_outcome {
   std::int32_t placeholder = -1;               // unbuilt handler that ended it, if any
   std::vector<std::uint32_t> global_counters;  // global counters bumped while the thread held it
   std::vector<sent_frame> sent;                // frames that left while the thread held it
+  std::optional<std::uint32_t> captured_drop;  // the reason under which the drop capture took it
   std::string note;
 };
 

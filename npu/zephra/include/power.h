@@ -29,6 +29,8 @@ void power_dbg_lookup_result(std::uint32_t lookup_id, const char* name, std::uin
                              const char* owner_name, std::uint32_t res_loc, std::uint32_t res_size);
 // A new pass over the packet: no slot holds a result any more.
 void power_dbg_lookup_new_pass();
+// The drop-capture hook took the packet: a software platform may keep it.
+void power_dbg_drop_capture(std::uint32_t drop_reason);
 
 // Coprocessor registers.
 inline constexpr std::uint32_t COP_THREAD_IDENTITY = 0;
