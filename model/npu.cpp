@@ -35,7 +35,6 @@ npu::npu(chassis& owner, std::uint32_t id, const npu_config& cfg)
     t->index = i;
     t->identity = i;
     t->random.seed(static_cast<std::mt19937::result_type>(cfg.random_seed + i));
-    for (auto& buf : t->pkt_bufs) buf.assign(PKT_BUF_SIZE, 0);
     threads_.push_back(std::move(t));
   }
 }

@@ -43,6 +43,14 @@ inline constexpr std::uint32_t PKT_BUF_SIZE = PKT_BUF_HEAD + PKT_ARRIVAL_OFFSET 
 // The distribution header's length field has 14 bits.
 inline constexpr std::uint32_t MAX_LINE_FRAME_BYTES = 16383;
 
+// A packet buffer, aligned to 256 bytes as the NPU's are: the packet memory
+// start, 4096 bytes in, is a multiple of 256.
+struct packet_buffer {
+  alignas(256) std::array<std::uint8_t, PKT_BUF_SIZE> bytes{};
+  std::uint8_t* data() { return bytes.data(); }
+  static constexpr std::size_t size() { return PKT_BUF_SIZE; }
+};
+
 // Thrown inside a blocking packet request to end a thread; the program never
 // catches it, so it unwinds to the thread's entry.
 struct thread_stop {};
@@ -60,7 +68,7 @@ struct npu_thread {
   alignas(64) std::array<std::uint8_t, THREAD_SPILL_SIZE> spill{};
   // Two packet buffers, used in turn, so that code which keeps the buffer
   // address across packets instead of asking for it is caught.
-  std::array<std::vector<std::uint8_t>, 2> pkt_bufs;
+  std::array<packet_buffer, 2> pkt_bufs;
   std::uint32_t current_buf = 0;
 
   std::array<std::uint32_t, 3> hash_inputs{};
