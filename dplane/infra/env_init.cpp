@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "arch_tie.h"
+#include "coherency_list.h"
 #include "lookup_dbg.h"
 #include "npu/zephra/stats.h"
 #include "tlu_defs.h"
@@ -40,6 +41,7 @@ void keep_only(be_u32* word, std::uint32_t keep) { word->set(word->get() & keep)
 env_t env_initialize(env_init_st*) {
   env_t env = reinterpret_cast<env_t>(get_dmem_start_addr());
   env_ps_initialize(env);
+  coherency_init(env);
   ps_dbg_initialize(env);
   lookup_dbg_initialize(env);
   return env;

@@ -358,6 +358,18 @@ enum nf_fwd_status_e : std::uint32_t {
   NF_FWD_STATUS_CONSUME = 3,
 };
 
+// The thread's list of lookups under coherency tracking, at most 10.
+struct coherency_entry_st {
+  be_u16 lookup_id;
+  be_u32 addr;
+};
+inline constexpr std::uint32_t COHERENCY_LIST_ENTRIES = 10;
+struct coherency_cb_st {
+  std::uint8_t num_list_entries;
+  coherency_entry_st list[COHERENCY_LIST_ENTRIES];
+};
+static_assert(sizeof(coherency_entry_st) == 6 && sizeof(coherency_cb_st) == 61);
+
 // Records owned by later features: storage only, sized as the packet state holds them.
 using dhcp_binding_key_st = be_opaque<15>;
 using pkt_state_xid_hash_key_st = be_opaque<4>;
@@ -370,7 +382,6 @@ using fwc_punt_reason = be_u32;
 using acl_intf_hash_key_st = be_opaque<8>;
 using h_qos_ant_hash_key_st = be_opaque<8>;
 using pbr_intf_hash_key_st = be_opaque<8>;
-using coherency_cb_st = be_opaque<61>;
 using abf_ipv6_nh = be_opaque<16>;
 using l2_learn_info_zp_st = be_opaque<32>;
 using eth_hdr_info_st = be_opaque<4>;
