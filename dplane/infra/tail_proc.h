@@ -33,3 +33,20 @@ enum tail_proc_func_e : std::uint32_t {
 void enable_tail_processing(env_t env, std::uint32_t flowhash, tail_proc_func_e func);
 // Takes one owed tail function back.
 void disable_tail_processing(env_t env, tail_proc_func_e func);
+boolean_t is_tail_processing_enabled(env_t env, tail_proc_func_e func);
+
+// Before each tail function: with nothing owed after it and no loop holding
+// the buffer, the function runs with keep_gpm clear and ends the packet.
+void do_tail_proc_common(env_t env, std::uint32_t funcs);
+// After the last one: back to the lock of the loop that holds the buffer, or
+// the buffer is freed if no function ended the packet.
+void tail_processing_epilog(env_t env, std::uint32_t funcs);
+
+// Per path (tail_paths.def): tail_processing_<path> is the call site after
+// the send, and runs do_tail_processing_<path> when tail work is owed: the
+// owed functions in the fixed order of the path's side.
+#define TAIL_PATH(path, side, kind)       \
+  void tail_processing_##path(env_t env); \
+  void do_tail_processing_##path(env_t env);
+#include "tail_paths.def"
+#undef TAIL_PATH

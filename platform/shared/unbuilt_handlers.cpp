@@ -20,9 +20,13 @@ constexpr std::uint32_t UNBUILT_REQ_CELL = 0x3F0;
 const char* unbuilt_handler_name(std::uint32_t id) { return id < UNBUILT_HANDLER_COUNT ? names[id] : nullptr; }
 
 void unbuilt_handler_end(env_t env, unbuilt_handler_e id) {
+  unbuilt_step_reached(env, id);
+  drop_packet_no_counter(env);
+}
+
+void unbuilt_step_reached(env_t env, unbuilt_handler_e id) {
   dma_cell_words(env, UNBUILT_REQ_CELL)[0] = id;
   dma_initiate(env, dma_build_cmd(RES_UNBUILT_HANDLER, UNBUILT_REQ_CELL, 4, 0, 0));
-  drop_packet_no_counter(env);
 }
 
 void ipv4_ing_perf(env_t env, boolean_t) { unbuilt_handler_end(env, UNBUILT_ipv4_ing_perf); }
@@ -47,14 +51,6 @@ void ipm6_ing_nonperf(env_t env, boolean_t, boolean_t, ipm6_ing_path_e) {
 }
 void mpls_ing_nonperf(env_t env, boolean_t, boolean_t, mpls_ing_path_e) {
   unbuilt_handler_end(env, UNBUILT_mpls_ing_nonperf);
-}
-
-// The interface statistics of an ingress drop come with the interface tables;
-// until then the packet is counted under this name and dropped with its reason.
-void l3_ing_drop(env_t env, boolean_t, std::uint32_t, std::uint32_t drop_counter_index) {
-  dma_cell_words(env, UNBUILT_REQ_CELL)[0] = UNBUILT_l3_ing_drop;
-  dma_initiate(env, dma_build_cmd(RES_UNBUILT_HANDLER, UNBUILT_REQ_CELL, 4, 0, 0));
-  drop_packet(env, drop_counter_index);
 }
 
 boolean_t handle_subscriber_packets(env_t env) {

@@ -18,6 +18,8 @@ const char* unbuilt_handler_name(std::uint32_t id);
 
 // Counts the packet under the handler's number, then frees it.
 void unbuilt_handler_end(env_t env, unbuilt_handler_e id);
+// Counts the packet under the step's number; the packet goes on.
+void unbuilt_step_reached(env_t env, unbuilt_handler_e id);
 
 // Paths of the protocol bodies that the exception handlers enter.
 enum ipv4_ing_path_e : std::uint32_t { IPV4_ING_PATH_MAIN = 0 };
@@ -39,7 +41,6 @@ void ipv6_ing_nonperf(env_t env, boolean_t global_feature_enabled, boolean_t exc
 void ipm4_ing_nonperf(env_t env, boolean_t global_feature_enabled, boolean_t exception, ipm4_ing_path_e path);
 void ipm6_ing_nonperf(env_t env, boolean_t global_feature_enabled, boolean_t exception, ipm6_ing_path_e path);
 void mpls_ing_nonperf(env_t env, boolean_t global_feature_enabled, boolean_t exception, mpls_ing_path_e path);
-void l3_ing_drop(env_t env, boolean_t uidb_results_ready, std::uint32_t rx_pkt_len, std::uint32_t drop_counter_index);
 boolean_t handle_subscriber_packets(env_t env);
 
 void ip_nhindex_egr(env_t env);

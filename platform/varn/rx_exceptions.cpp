@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "dplane/infra/drop.h"
+#include "dplane/infra/drop_paths.h"
 #include "dplane/infra/env_init.h"
 #include "dplane/infra/lookup.h"
 #include "npu/zephra/pkt_rx.h"

@@ -25,6 +25,8 @@ scenario_packet make(std::string description, const dist_hdr_builder& hdr, std::
 constexpr std::uint32_t EGRESS_NPU = 1;
 constexpr std::uint32_t EGRESS_VQI = 0x123;
 constexpr std::uint32_t FABRIC_FRAME_BYTES = 64;
+// The statistics block of the line packets' interface, uidb index 0.
+constexpr std::uint32_t INTERFACE_STATS = 0x100;
 
 // A unicast fabric frame to EGRESS_VQI with a header of the given type.
 std::vector<std::uint8_t> fabric_frame(std::uint32_t nph_type) {
@@ -52,6 +54,10 @@ scenario default_scenario() {
   scenario s;
   s.npus = 2;
   s.vqis.push_back({EGRESS_VQI, EGRESS_NPU});
+  ctrl::l3_interface v6_only;
+  v6_only.ipv6 = true;
+  v6_only.ingress_stats = INTERFACE_STATS;
+  s.interfaces.push_back({0, 0, v6_only});
   auto& p = s.packets;
   p.push_back(make("line, IPv4 unicast vector", dist_hdr_builder::line(0).set<L::ipv4_en>(1)));
   p.push_back(make("line, MPLS vector", dist_hdr_builder::line(4).set<L::mpls_en>(1)));

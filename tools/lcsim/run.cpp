@@ -9,6 +9,7 @@ namespace lcsim {
 
 std::vector<packet_result> run_scenario(model::chassis& chassis, const scenario& sc) {
   for (const vqi_route& v : sc.vqis) ctrl::map_vqi(chassis, v.vqi, v.npu);
+  for (const interface_record& i : sc.interfaces) ctrl::write_records(chassis.at(i.npu), i.uidb_index, {}, i.cfg);
   std::vector<std::uint64_t> seqs;
   for (const auto& p : sc.packets) {
     model::npu& n = chassis.at(p.npu);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "ctrl/uidb_records.h"
 #include "model/packet_io.h"
 
 namespace lcsim {
@@ -27,9 +28,17 @@ struct vqi_route {
   std::uint32_t npu = 0;
 };
 
+// An L3 interface whose records the given headers of packets name by index.
+struct interface_record {
+  std::uint32_t npu = 0;
+  std::uint32_t uidb_index = 0;
+  ctrl::l3_interface cfg;
+};
+
 struct scenario {
   std::uint32_t npus = 1;
   std::vector<vqi_route> vqis;
+  std::vector<interface_record> interfaces;
   std::vector<scenario_packet> packets;
 };
 

@@ -4,6 +4,8 @@
 
 #include <map>
 
+#include "ctrl/counters.h"
+#include "ctrl/uidb_records.h"
 #include "foundation_test_util.h"
 
 namespace {
@@ -222,21 +224,35 @@ TEST(ExceptionVectors, MaintenanceModeDropsByTheUidbKindOfTheVector) {
   }
 }
 
+// The interface at uidb index 0 of the exception tests, with its statistics
+// block at INTERFACE_STATS: an interface drop counts in its entry 8.
+constexpr std::uint32_t INTERFACE_STATS = 0x200;
+void set_up_interface(testkit::npu_harness& h) {
+  ctrl::l3_interface cfg;
+  cfg.ingress_stats = INTERFACE_STATS;
+  ctrl::write_records(h.npu(), 0, {}, cfg);
+}
+
 TEST(ExceptionVectors, DisabledProtocolIsAnInterfaceDrop) {
   testkit::npu_harness h;
-  expect_outcome(h.one(clean_line(7).set<dh::ipv4_en>(0)), {"l3_ing_drop", {0x589}});
-  expect_outcome(h.one(clean_line(8).set<dh::ipv6_en>(0)), {"l3_ing_drop", {0x596}});
-  expect_outcome(h.one(clean_line(9).set<dh::mpls_en>(0)), {"l3_ing_drop", {0x5A8}});
+  set_up_interface(h);
+  expect_outcome(h.one(clean_line(7).set<dh::ipv4_en>(0).set<dh::pktlen>(100)), {"", {0x589}});
+  expect_outcome(h.one(clean_line(8).set<dh::ipv6_en>(0).set<dh::pktlen>(200)), {"", {0x596}});
+  expect_outcome(h.one(clean_line(9).set<dh::mpls_en>(0).set<dh::pktlen>(300)), {"", {0x5A8}});
+  const model::stats_entry drops = ctrl::read_stats_entry(h.npu(), INTERFACE_STATS + 8);
+  EXPECT_EQ(drops.packets, 3u);
+  EXPECT_EQ(drops.bytes, 600u);
 }
 
 TEST(ExceptionVectors, MplsNeedsADestinationMacOfClass1Or3) {
   const std::pair<std::uint32_t, expect_end> rows[] = {
-      {0, {"l3_ing_drop", {0x190}}},
+      {0, {"", {0x190}}},
       {1, {"mpls_ing_nonperf", {}}},
-      {2, {"l3_ing_drop", {0x190}}},
+      {2, {"", {0x190}}},
       {3, {"mpls_ing_nonperf", {}}},
   };
   testkit::npu_harness h;
+  set_up_interface(h);
   for (const auto& [da, e] : rows) {
     SCOPED_TRACE("da_bits " + std::to_string(da));
     expect_outcome(h.one(clean_line(9).set<dh::da_bits>(da)), e);
