@@ -15,16 +15,20 @@
 
 namespace {
 
+// The most threads an NPU of the tool runs.
+constexpr std::uint32_t MAX_THREADS = 64;
+
 struct options {
   std::string in;
   std::uint32_t port = 0;
   std::string mac = "02:00:00:00:00:01";
   std::string out;
+  std::uint32_t threads = 1;
 };
 
 int run(const options& opt) {
   const lcsim::scenario sc = opt.in.empty() ? lcsim::default_scenario() : lcsim::scenario_from_pcap(opt.in, opt.port);
-  model::chassis chassis(std::vector<model::npu_config>(sc.npus, model::npu_config{}));
+  model::chassis chassis(std::vector<model::npu_config>(sc.npus, model::npu_config{opt.threads, 1}));
   for (std::size_t n = 0; n < chassis.size(); ++n) ctrl::install_page_descriptors(chassis.at(n));
   if (!opt.in.empty()) lcsim::set_up_line_port(chassis.at(0), opt.port, pkt::mac(opt.mac));
   const std::vector<lcsim::packet_result> results = lcsim::run_scenario(chassis, sc);
@@ -62,6 +66,10 @@ int main(int argc, char** argv) {
         }
       })
       ->needs("--in");
+  app.add_option("--threads", opt.threads,
+                 "Threads per NPU. With more than one the NPUs run free: their threads work at once on real "
+                 "cores, and packets that share a flow lock still leave in arrival order")
+      ->check(CLI::Range(1u, MAX_THREADS));
   app.add_option("--out", opt.out,
                  "Write what leaves into this directory: fabric.pcap, host.pcap and line-<port>.pcap "
                  "per line port. The transmit paths are not built yet, so the files hold no frames for now.");

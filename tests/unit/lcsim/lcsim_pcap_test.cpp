@@ -1,6 +1,7 @@
 // The tool end to end: frames from a pcap file go in on a line port, what
 // leaves is written per destination, and a bad file or argument ends the
-// run with a message and no output.
+// run with a message and no output; free-running threads change nothing in
+// the report.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -91,6 +92,15 @@ TEST(LcsimDefault, FabricFramesReachTheEgressDispatchOfNpu1WithTheirHeaderDecode
   for (const char* field : {"dc3_plen 0x24", "dc3_sfp_valid 0x1", "dc3_fgid_or_sfp 0x123", "nph_type 0x1"}) {
     EXPECT_NE(r.output.find(field), std::string::npos) << field << "\n" << r.output;
   }
+}
+
+// The report lists packets by arrival, so free-running threads change
+// nothing in it.
+TEST(LcsimThreads, FreeRunningNpusReportWhatOneThreadReports) {
+  const run_result one = lcsim("");
+  const run_result four = lcsim("--threads 4");
+  ASSERT_EQ(four.status, 0) << four.output;
+  EXPECT_EQ(four.output, one.output);
 }
 
 }  // namespace
