@@ -148,17 +148,47 @@ std::uint32_t tlu_remainder(env_t env, std::uint32_t num, std::uint32_t denom) {
   return rem;
 }
 
-void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key,
-                                  hash_search_context_st* context, memaddr_t base_addr) {
+namespace {
+
+// The home bucket of a key in the caller's space: its hash, and its number
+// in the space, which the TLU's modulus gives.
+struct home_bucket_st {
+  std::uint32_t hash;
+  std::uint32_t number;
+  memaddr_t addr;
+};
+
+home_bucket_st home_bucket(env_t env, const hash_search_desc_st& d, void* key, memaddr_t base_addr) {
   const std::uint32_t hash =
       generic_hash_func(hash_func_for_key_bits(d.table.key_bits), static_cast<unsigned char*>(key));
   const std::uint32_t r = tlu_remainder(env, hash, d.table.bucket_count);
-  const memaddr_t bucket = base_addr + r * HASH_BUCKET_BYTES;
+  return {hash, r, base_addr + r * HASH_BUCKET_BYTES};
+}
+
+// An odd bucket has its group's first bucket as prev_bucket_addr.
+void request_home_bucket(env_t env, const hash_search_desc_st& d, hash_search_context_st* context,
+                         const home_bucket_st& home) {
   lookup_dbg_note_request(env, d.bucket_0, d.bucket_cell, 0, d.bucket_cell, HASH_BUCKET_BYTES);
-  qrsc(RTT_READ_16B_UNCACHED, bucket, d.bucket_cell, d.bucket_cell);
-  context->bucket_hash_value = hash >> SIGNATURE_SHIFT;
-  ext_of(context).bucket_addr = bucket;
-  ext_of(context).prev_bucket_addr = (r & 1) ? bucket - HASH_BUCKET_BYTES : 0;
+  qrsc(RTT_READ_16B_UNCACHED, home.addr, d.bucket_cell, d.bucket_cell);
+  context->bucket_hash_value = home.hash >> SIGNATURE_SHIFT;
+  ext_of(context).bucket_addr = home.addr;
+  ext_of(context).prev_bucket_addr = (home.number & 1) ? home.addr - HASH_BUCKET_BYTES : 0;
+}
+
+}  // namespace
+
+void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key,
+                                  hash_search_context_st* context, memaddr_t base_addr) {
+  request_home_bucket(env, d, context, home_bucket(env, d, key, base_addr));
+}
+
+lock_handle_t hash_search_part_1_lock_base_addr(env_t env, const hash_search_desc_st& d, void* key,
+                                                hash_search_context_st* context, memaddr_t base_addr,
+                                                const hash_bucket_lock_st& lock) {
+  const home_bucket_st home = home_bucket(env, d, key, base_addr);
+  const lock_handle_t handle = lock.acquire(env, home.addr, lock.blocking);
+  if (handle != BITMAP_LOCK_TAKEN) request_home_bucket(env, d, context, home);
+  return handle;
 }
 
 void hash_search_part_2(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context) {

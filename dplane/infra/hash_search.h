@@ -51,6 +51,17 @@ void hash_search_part_1(env_t env, const hash_search_desc_st& d, void* key, hash
 // as prev_bucket_addr.
 void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key,
                                   hash_search_context_st* context, memaddr_t base_addr);
+// Part 1 of a writer: the home bucket's lock first, by the bucket's address
+// in the lock's family, then the read as above. Returns the lock's handle,
+// or BITMAP_LOCK_TAKEN when the lock was taken and not waited for: then no
+// bucket was asked for, and the writer must not go to part 2.
+struct hash_bucket_lock_st {
+  lock_handle_t (*acquire)(env_t env, std::uint32_t lock_id, std::uint32_t wait);
+  std::uint32_t blocking;
+};
+lock_handle_t hash_search_part_1_lock_base_addr(env_t env, const hash_search_desc_st& d, void* key,
+                                                hash_search_context_st* context, memaddr_t base_addr,
+                                                const hash_bucket_lock_st& lock);
 void hash_search_part_2(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context);
 // Part 2 from entry bucket_entry_index of the bucket in the cell, through the chain.
 void hash_search_part_2_from(env_t env, const hash_search_desc_st& d, hash_search_context_st* context);

@@ -140,6 +140,7 @@ struct lookup {
   const lookup* parent = nullptr;   // the lookup whose slot a view reads
   bool has_alloc = false;           // exposes its request cell
   const hash_table* hash = nullptr;  // a search of an exact-key table
+  bool search_lock = false;          // the search has a lock of its name: a writer's part 1 takes it
   std::uint32_t key_bytes = 0;       // hash search: bytes of the entry read into the key cells
   // A lock row (<lock>__ACQUIRE or <lock>__RELEASE): the lock and its family.
   std::string lock;

@@ -213,6 +213,13 @@ void emit_hash_search(std::ostringstream& out, const lookup& l) {
     out << "inline void hash_search_part_1_ID_" << r.id << args << " { hash_search_part_1(env, " << desc
         << ", key, context); }\n";
   }
+  if (l.search_lock) {
+    out << "inline lock_handle_t hash_search_part_1_lock_ID_" << r.id
+        << "(env_t env, void* key, hash_search_context_st* context, memaddr_t base_addr,\n"
+        << "                                                std::uint32_t blocking) {\n"
+        << "  return hash_search_part_1_lock_base_addr(env, " << desc << ", key, context, base_addr, {acquire_lock_ID_"
+        << r.id << ", blocking});\n}\n";
+  }
   out << "inline void hash_search_part_2_ID_" << r.id << args << " { hash_search_part_2(env, " << desc
       << ", key, context); }\n";
   for (const char* form : {"internal", "slow"}) {

@@ -90,6 +90,16 @@ void check_lock_pairs(const catalogue& cat, const std::function<void(const row&,
   }
 }
 
+void link_search_locks(std::vector<lookup>& all, const std::function<void(const row&, const std::string&)>& fail) {
+  for (lookup& search : all) {
+    if (!search.hash) continue;
+    for (const lookup& l : all) search.search_lock = search.search_lock || l.lock == search.r->id;
+    if (search.search_lock && !search.hash->caller_base) {
+      fail(*search.r, "a search locks its home bucket only in a space whose first bucket the caller gives");
+    }
+  }
+}
+
 void emit_lock_bitmaps(std::ostringstream& out, const catalogue& cat) {
   out << "\n// Bitmap locks: each family's bitmap, one bit per lock, and the bits of its lock numbers.\n";
   for (const auto& [family, b] : cat.lock_bitmaps) {

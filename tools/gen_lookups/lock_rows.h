@@ -29,6 +29,10 @@ void resolve_lock_row(const catalogue& cat, const row& r, lookup& l,
 // Each lock with one of its rows has the other too.
 void check_lock_pairs(const catalogue& cat, const std::function<void(const row&, const std::string&)>& fail);
 
+// A search row with a lock of its own name gets the writer's part 1, which
+// locks the home bucket: only in the space whose first bucket the caller gives.
+void link_search_locks(std::vector<lookup>& all, const std::function<void(const row&, const std::string&)>& fail);
+
 // Request bytes of a lock request: the command word, the address, the
 // operation and its operand; the old word comes back in the same cell.
 inline constexpr std::uint32_t LOCK_REQUEST_BYTES = 16;

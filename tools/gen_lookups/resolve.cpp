@@ -278,6 +278,7 @@ std::vector<lookup> resolve(const catalogue& cat, errors& errs) {
   }
   link_views(check, all);
   check_lock_pairs(cat, [&](const row& r, const std::string& what) { check.fail(r, what); });
+  link_search_locks(all, [&](const row& r, const std::string& what) { check.fail(r, what); });
   for (const lookup& l : all) check_place(check, l);
   check_overlaps(check, all);
   return all;

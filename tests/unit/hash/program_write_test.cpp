@@ -217,3 +217,26 @@ TEST_F(CallerSpace, AFirstHalfBucketHasNoPredecessor) {
   h.on_thread([&](env_t env) { EXPECT_EQ(hash_insert_32B(env, &ctx, ENTRY, 0), TRUE); });
   EXPECT_EQ(search_into(ctx, k), HASH_SEARCH_RC_MATCH);
 }
+
+// A writer's search takes the lock of its home bucket first: a second writer
+// of the same bucket gets no lock and asks for no bucket.
+TEST_F(CallerSpace, AWritersSearchHoldsItsHomeBucketsLock) {
+  bytes k = key_in_half(0);
+  const memaddr_t bucket = BASE + ctrl::hash_table_key_hash(t, k) % t.bucket_count * HASH_BUCKET_BYTES;
+  h.on_thread([&](env_t env) {
+    lookup_dbg_new_pass(env);
+    hash_manage_context_st ctx{};
+    const lock_handle_t held =
+        hash_search_part_1_lock_ID_MAPT_LOGG_HASH__TAIL(env, k.data(), &ctx.search_ctx, BASE, FALSE);
+    EXPECT_EQ(held, default_lock_bitmap_hash(bucket, LOCK_BITS_DEFAULT));
+    EXPECT_EQ(ctx.ext.bucket_addr.get(), bucket);
+    hash_search_part_2_ID_MAPT_LOGG_HASH__TAIL(env, k.data(), &ctx.search_ctx);
+    EXPECT_EQ(hash_search_part_3_ID_MAPT_LOGG_HASH__TAIL(env, k.data(), &ctx.search_ctx), HASH_SEARCH_RC_NO_MATCH);
+
+    hash_manage_context_st other{};
+    EXPECT_EQ(hash_search_part_1_lock_ID_MAPT_LOGG_HASH__TAIL(env, k.data(), &other.search_ctx, BASE, FALSE),
+              BITMAP_LOCK_TAKEN);
+    EXPECT_EQ(other.ext.bucket_addr.get(), 0u);
+    release_lock_ID_MAPT_LOGG_HASH__TAIL(env, held);
+  });
+}
