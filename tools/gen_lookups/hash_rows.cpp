@@ -1,9 +1,9 @@
 #include "hash_rows.h"
 
-#include <cstdio>
 #include <set>
 
 #include "parse.h"
+#include "text.h"
 
 namespace gen {
 
@@ -16,17 +16,6 @@ const char* const ROW_SUFFIXES[] = {"BUCKET_0", "BUCKET_1", "BUCKET", "KEY", "RE
 constexpr std::uint32_t ENTRY_READ_UNIT = 16;
 constexpr std::uint32_t SINGLE_KEY_BITS = 64;
 constexpr std::uint32_t RESULT_ALIGN = 8;
-
-std::string hex(std::uint32_t v, int digits = 3) {
-  char buf[16];
-  std::snprintf(buf, sizeof buf, "0x%0*X", digits, v);
-  return buf;
-}
-
-std::string upper(std::string s) {
-  for (char& c : s) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
-  return s;
-}
 
 std::string tag_of(const row& r) {
   const std::size_t sep = r.id.find("__");

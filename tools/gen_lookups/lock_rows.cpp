@@ -1,9 +1,9 @@
 #include "lock_rows.h"
 
-#include <cstdio>
 #include <map>
 
 #include "parse.h"
+#include "text.h"
 
 namespace gen {
 
@@ -12,17 +12,6 @@ namespace {
 constexpr const char* ACQUIRE_SUFFIX = "__ACQUIRE";
 constexpr const char* RELEASE_SUFFIX = "__RELEASE";
 constexpr std::uint32_t MAX_LOCK_BITS = 16;
-
-std::string hex(std::uint32_t v, int digits = 3) {
-  char buf[16];
-  std::snprintf(buf, sizeof buf, "0x%0*X", digits, v);
-  return buf;
-}
-
-std::string upper(std::string s) {
-  for (char& c : s) c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
-  return s;
-}
 
 bool ends_with(const std::string& s, const std::string& suffix) {
   return s.size() > suffix.size() && s.compare(s.size() - suffix.size(), suffix.size(), suffix) == 0;
@@ -117,9 +106,10 @@ void emit_lock_row(std::ostringstream& out, const lookup& l) {
         << "  bitmap_lock_release(env, " << place << ", lock_handle);\n}\n\n";
     return;
   }
-  out << "inline lock_handle_t acquire_lock_ID_" << l.lock << "(env_t env, std::uint32_t lock_id, std::uint32_t wait) {\n"
-      << "  return bitmap_lock_acquire(env, " << place << ", " << l.lock_family << "_lock_bitmap_hash(lock_id, LOCK_BITS_"
-      << upper(l.lock_family) << "), wait);\n}\n\n";
+  const std::string number = l.lock_family + "_lock_bitmap_hash(lock_id, LOCK_BITS_" + upper(l.lock_family) + ")";
+  out << "inline lock_handle_t acquire_lock_ID_" << l.lock
+      << "(env_t env, std::uint32_t lock_id, std::uint32_t wait) {\n"
+      << "  return bitmap_lock_acquire(env, " << place << ", " << number << ", wait);\n}\n\n";
 }
 
 }  // namespace gen

@@ -51,7 +51,19 @@ INSTANTIATE_TEST_SUITE_P(
         bad_row{"view_of_nothing", "IP_LEAF_ING__IPV4 view=UC_DST_VPN_ING__IPV4 type=rec",
                 "views ID_UC_DST_VPN_ING__IPV4, which is no lookup with a result of its own"},
         bad_row{"not_key_value", "UIDB_L3_ING__COMM slot", "'slot' is not key=value"},
-        bad_row{"bad_number", "UIDB_L3_ING__COMM slot=0x14G type=rec live=g", "slot '0x14G' is not a number"}),
+        bad_row{"bad_number", "UIDB_L3_ING__COMM slot=0x14G type=rec live=g", "slot '0x14G' is not a number"},
+        bad_row{"lock_acquire_alone", "MAC_LOCK__MN__ACQUIRE cell=0x020 live=g",
+                "ID_MAC_LOCK__MN__ACQUIRE: lock MAC_LOCK__MN has no __RELEASE row"},
+        bad_row{"lock_without_cell", "MAC_LOCK__MN__ACQUIRE live=g\nMAC_LOCK__MN__RELEASE cell=0x020 live=g",
+                "a lock row needs cell=<request cell>"},
+        bad_row{"lock_with_result",
+                "MAC_LOCK__MN__ACQUIRE cell=0x020 slot=0x020 type=rec live=g\nMAC_LOCK__MN__RELEASE cell=0x020 live=g",
+                "a lock row takes cell= and live= only"},
+        bad_row{"lock_over_another_lookup",
+                "PORT_CONFIG_ING__SAT slot=0x020 type=rec live=g\nMAC_LOCK__MN__ACQUIRE cell=0x020 live=g\n"
+                "MAC_LOCK__MN__RELEASE cell=0x030 live=h",
+                "cell 0x020..0x02F overlaps slot 0x020..0x02F of ID_PORT_CONFIG_ING__SAT"},
+        bad_row{"conversion_without_cell", "FLOWLOCK_CONVERT__TAIL live=tail", "needs cell=<request cell>"}),
     [](const testing::TestParamInfo<bad_row>& p) { return p.param.name; });
 
 TEST(RowRules, ModulusReadNeedsAPagedTable) {
