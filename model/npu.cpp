@@ -153,7 +153,7 @@ void npu::wait_for_packet(npu_thread& t) {
   std::memset(t.dmem.data() + DIST_HDR_BYTES, RESPONSE_POISON, PKT_END_RESPONSE_BYTES - DIST_HDR_BYTES);
   t.current_buf ^= 1;
   const std::size_t len = std::min<std::size_t>(pkt.bytes.size(), MAX_PACKET_BYTES);
-  if (len > 0) std::memcpy(t.pkt_buf() + PKT_BUF_HEAD + PKT_ARRIVAL_OFFSET, pkt.bytes.data(), len);
+  if (len > 0) std::memcpy(t.pkt_buf() + PKT_BUF_HEAD_ROOM + PKT_START_OFFSET, pkt.bytes.data(), len);
   t.holds_packet = true;
   t.buf_queries_since_arrival = 0;
   t.lookups.clear();

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "clock.h"
+#include "dplane/infra/env.h"
 #include "flow_locks.h"
 #include "gpb_engine.h"
 #include "igpu_engine.h"
@@ -34,12 +35,8 @@ namespace model {
 class chassis;
 class npu;
 
-inline constexpr std::uint32_t THREAD_DMEM_SIZE = 2048;
-inline constexpr std::uint32_t THREAD_SPILL_SIZE = 4096;
-inline constexpr std::uint32_t PKT_BUF_HEAD = 4096;
-inline constexpr std::uint32_t PKT_ARRIVAL_OFFSET = 160;
 inline constexpr std::uint32_t MAX_PACKET_BYTES = 16384;
-inline constexpr std::uint32_t PKT_BUF_SIZE = PKT_BUF_HEAD + PKT_ARRIVAL_OFFSET + MAX_PACKET_BYTES;
+inline constexpr std::uint32_t PKT_BUF_SIZE = PKT_BUF_HEAD_ROOM + PKT_START_OFFSET + MAX_PACKET_BYTES;
 // The distribution header's length field has 14 bits.
 inline constexpr std::uint32_t MAX_LINE_FRAME_BYTES = 16383;
 
@@ -64,8 +61,8 @@ struct npu_thread {
   std::uint32_t index = 0;
   std::uint32_t identity = 0;
 
-  alignas(64) std::array<std::uint8_t, THREAD_DMEM_SIZE> dmem{};
-  alignas(64) std::array<std::uint8_t, THREAD_SPILL_SIZE> spill{};
+  alignas(64) std::array<std::uint8_t, DMEM_SIZE> dmem{};
+  alignas(64) std::array<std::uint8_t, TLM_SIZE> spill{};
   // Two packet buffers, used in turn, so that code which keeps the buffer
   // address across packets instead of asking for it is caught.
   std::array<packet_buffer, 2> pkt_bufs;

@@ -15,7 +15,6 @@
 inline constexpr std::uint32_t DMEM_SIZE = 2048;
 inline constexpr std::uint32_t DMEM_DIST_HDR_SIZE = 32;
 inline constexpr std::uint32_t DMEM_CELL_SIZE = 16;
-inline constexpr std::uint32_t DMEM_DMA_REACH = 1024;  // requests and results live below this
 inline constexpr std::uint32_t DMEM_PS_OFFSET = 0x400;
 inline constexpr std::uint32_t DMEM_FLAGS_OFFSET = 0x7F4;
 
