@@ -12,7 +12,6 @@ namespace ctrl {
 
 namespace {
 
-constexpr std::uint32_t MAX_PORT = 0xFFF;
 constexpr std::uint32_t MAX_INPUT_QUEUE = 0x7F;
 constexpr std::uint32_t MAX_SAT_ENCAP = 3;
 constexpr std::uint16_t MAX_VID = 0xFFF;
@@ -68,7 +67,7 @@ bool uidb_tables_installed(model::npu& n) {
 interfaces::interfaces(model::npu& n, hash_tables& hashes) : n_(n), hashes_(hashes) {}
 
 error interfaces::add_port(const line_port& p) {
-  if (p.port > MAX_PORT || p.input_queue > MAX_INPUT_QUEUE || p.bits.sat_encap > MAX_SAT_ENCAP) {
+  if (p.port > MAX_LINE_PORT || p.input_queue > MAX_INPUT_QUEUE || p.bits.sat_encap > MAX_SAT_ENCAP) {
     return error::out_of_range;
   }
   if (port_handles_.count(p.port)) return error::exists;

@@ -30,6 +30,8 @@ struct port_bits {
   bool force_l2_ctrl_vector = false;
 };
 
+inline constexpr std::uint32_t MAX_LINE_PORT = 0xFFF;
+
 struct line_port {
   std::uint32_t port = 0;             // logical port, 0 to 4095
   std::array<std::uint8_t, 6> mac{};  // this router's MAC on the port

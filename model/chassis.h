@@ -10,8 +10,9 @@
 #pragma once
 
 #include <condition_variable>
-#include <cstdint>
 #include <array>
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -43,6 +44,11 @@ class chassis {
   void map_vqi(std::uint32_t vqi, std::uint32_t npu_id);
   std::optional<std::uint32_t> npu_of_vqi(std::uint32_t vqi);
   static constexpr std::uint32_t VQI_COUNT = 2048;
+  // Its map of multicast groups: MGID (19 bits) to the NPUs that each get a
+  // copy. An unmapped group has no NPU.
+  void map_fabric_group(std::uint32_t mgid, std::vector<std::uint32_t> npus);
+  std::vector<std::uint32_t> npus_of_group(std::uint32_t mgid);
+  static constexpr std::uint32_t MGID_COUNT = 1u << 19;
 
  private:
   friend class npu;
@@ -57,6 +63,7 @@ class chassis {
   // Guarded by mutex_; NO_NPU where no NPU serves the VQI.
   static constexpr std::uint32_t NO_NPU = ~0u;
   std::array<std::uint32_t, VQI_COUNT> vqi_npu_;
+  std::map<std::uint32_t, std::vector<std::uint32_t>> group_npus_;  // guarded by mutex_
 };
 
 }  // namespace model

@@ -152,7 +152,7 @@ void flb_request(dma_request& r) {
   const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && (c.resp_loc == 0 || is_gather_request(w0));
   if (!packet_end) {
     if (w0 == FLB_CMD_FLOWLOCK_CONVERT || w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) return flowlock_convert(r);
-    if (is_gather_request(w0) && (r.word(2) & GATHER_KEEP_BIT)) return keep_send(r);
+    if (is_gather_request(w0) && (read_gather_request(r).handle_word & GATHER_KEEP_BIT)) return keep_send(r);
     r.breach("FLB request " + std::to_string(w0) + ", which nothing serves");
     return;
   }

@@ -63,6 +63,18 @@ std::vector<packet_outcome> npu::take_outcomes() {
   return std::exchange(outcomes_, {});
 }
 
+void npu::map_queue_port(std::uint32_t queue_id, std::uint32_t port) {
+  std::lock_guard lock(chassis_.mutex_);
+  queue_ports_[queue_id] = port;
+}
+
+std::optional<std::uint32_t> npu::port_of_queue(std::uint32_t queue_id) {
+  std::lock_guard lock(chassis_.mutex_);
+  const auto it = queue_ports_.find(queue_id);
+  if (it == queue_ports_.end()) return std::nullopt;
+  return it->second;
+}
+
 std::uint64_t npu::placeholder_count(std::int32_t placeholder) const {
   std::lock_guard lock(chassis_.mutex_);
   auto it = placeholder_counts_.find(placeholder);

@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <thread>
@@ -129,6 +130,10 @@ class npu {
   // header's length field holds.
   std::uint64_t receive_line_frame(std::uint32_t port, std::vector<std::uint8_t> frame);
   std::vector<packet_outcome> take_outcomes();
+  // The traffic manager's map of output queues (the line header's 16-bit
+  // queue_id) to line ports.
+  void map_queue_port(std::uint32_t queue_id, std::uint32_t port);
+  std::optional<std::uint32_t> port_of_queue(std::uint32_t queue_id);
   std::uint64_t placeholder_count(std::int32_t placeholder) const;
   std::vector<std::string> log() const;
   std::uint32_t monitor_calls(std::uint32_t counter) const;
@@ -175,6 +180,7 @@ class npu {
   std::vector<packet_outcome> outcomes_;
   std::map<std::int32_t, std::uint64_t> placeholder_counts_;
   std::map<std::uint32_t, std::uint32_t> monitor_calls_;
+  std::map<std::uint32_t, std::uint32_t> queue_ports_;
   std::vector<std::string> log_;
 };
 

@@ -1,18 +1,14 @@
 #include "transmit_engine.h"
 
-#include <string>
-
-#include "chassis.h"
-#include "dist_hdr_builder.h"
-#include "platform/varn/fab_hdr.h"
+#include "fabric_delivery.h"
+#include "line_delivery.h"
 
 namespace model {
 
 namespace {
 
-constexpr std::uint32_t FIRST_PIECE_WORD = 3;
 constexpr std::uint32_t MAX_PIECES = 3;
-constexpr std::uint32_t VQI_MASK = 0x7FF;
+constexpr std::uint32_t HANDLE_WORD_LOW_HALF = 0x0001;
 
 // A service-loopback shim: 00 28 (or 00 29) and the frame's length in the
 // low 14 bits of bytes 2 and 3.
@@ -22,29 +18,9 @@ bool has_loopback_shim(const std::vector<std::uint8_t>& frame) {
   return frame[0] == 0 && (frame[1] == 0x28 || frame[1] == 0x29) && len == frame.size();
 }
 
-bool to_fabric(std::uint32_t word0, std::uint32_t word2, const std::vector<std::uint8_t>& frame) {
-  if ((word0 & GATHER_CMD_MASK) == GATHER_INGRESS) return (word2 & GATHER_IGPB_LINE_BIT) == 0;
+bool to_fabric(const gather_request& req, const std::vector<std::uint8_t>& frame) {
+  if ((req.command & GATHER_CMD_MASK) == GATHER_INGRESS) return (req.handle_word & GATHER_IGPB_LINE_BIT) == 0;
   return has_loopback_shim(frame);
-}
-
-void deliver_to_fabric(npu& from, sent_frame& frame, std::string& note) {
-  const auto& hdr = *reinterpret_cast<const dc3_nph_st*>(frame.bytes.data());
-  if (frame.bytes.size() < sizeof(dc3_nph_st) || !dc3_nph_st::dc3_sfp_valid::get(hdr)) {
-    note += "fabric frame to a group: no replication in the fabric; ";
-    return;
-  }
-  frame.port = dc3_nph_st::dc3_fgid_or_sfp::get(hdr) & VQI_MASK;
-  const auto dest = from.owner_chassis().npu_of_vqi(frame.port);
-  if (!dest) {
-    note += "VQI " + std::to_string(frame.port) + " maps to no NPU; ";
-    return;
-  }
-  arriving_packet pkt;
-  pkt.dist_hdr = dist_hdr_builder::fabric()
-                     .set<dist_hdr_fabric_st::pktlen>(static_cast<std::uint32_t>(frame.bytes.size()))
-                     .bytes();
-  pkt.bytes = frame.bytes;
-  from.owner_chassis().at(*dest).enqueue(std::move(pkt));
 }
 
 }  // namespace
@@ -54,11 +30,16 @@ bool is_gather_request(std::uint32_t word0) {
   return cmd == GATHER_INGRESS || cmd == GATHER_LOOPBACK;
 }
 
-std::vector<std::uint8_t> gather_frame(const dma_request& r, npu_thread& t) {
-  const std::uint32_t count = r.word(FIRST_PIECE_WORD) >> 30;
+gather_request read_gather_request(const dma_request& r) {
+  const bool lock_word = (r.word(2) & 0xFFFF) == HANDLE_WORD_LOW_HALF;
+  return lock_word ? gather_request{r.word(0), r.word(2), 3} : gather_request{r.word(0), r.word(1), 2};
+}
+
+std::vector<std::uint8_t> gather_frame(const dma_request& r, const gather_request& req, npu_thread& t) {
+  const std::uint32_t count = r.word(req.first_piece_word) >> 30;
   std::vector<std::uint8_t> frame;
   for (std::uint32_t i = 0; i < count && i < MAX_PIECES; ++i) {
-    const std::uint32_t w = r.word(FIRST_PIECE_WORD + i);
+    const std::uint32_t w = r.word(req.first_piece_word + i);
     const std::uint32_t len = (w >> 16) & 0x3FFF;
     const std::uint32_t offset = w & 0xFFFF;
     if (offset + len > t.pkt_bufs[t.current_buf].size()) return {};
@@ -70,16 +51,22 @@ std::vector<std::uint8_t> gather_frame(const dma_request& r, npu_thread& t) {
 
 void transmit_gather(dma_request& r) {
   npu_thread& t = r.thread();
+  const gather_request req = read_gather_request(r);
   sent_frame frame;
-  frame.bytes = gather_frame(r, t);
-  const std::uint32_t count = r.word(FIRST_PIECE_WORD) >> 30;
+  frame.bytes = gather_frame(r, req, t);
+  const std::uint32_t count = r.word(req.first_piece_word) >> 30;
   if (count == 0 || frame.bytes.empty()) return r.breach("gather request with no piece, or a piece beyond the buffer");
-  if (to_fabric(r.word(0), r.word(2), frame.bytes)) {
+  if (to_fabric(req, frame.bytes)) {
     frame.to = frame_destination::fabric;
-    if ((r.word(0) & GATHER_CMD_MASK) == GATHER_LOOPBACK) {
+    if ((req.command & GATHER_CMD_MASK) == GATHER_LOOPBACK) {
       frame.bytes.erase(frame.bytes.begin(), frame.bytes.begin() + SERVICE_LOOPBACK_SHIM_BYTES);
     }
     deliver_to_fabric(r.owner(), frame, t.current.note);
+  } else {
+    const bool from_ingress_buffer = (req.handle_word & GATHER_IGPB_LINE_BIT) != 0;
+    const line_delivery to_line = deliver_to_line(r.owner(), from_ingress_buffer, frame, t.current.note);
+    if (to_line == line_delivery::short_frame) return r.breach("line frame shorter than the headers ahead of it");
+    if (to_line == line_delivery::no_port) return;
   }
   t.current.sent.push_back(std::move(frame));
 }

@@ -1,8 +1,13 @@
 #include "xmit_fab.h"
 
+#include <array>
+#include <initializer_list>
+
 #include "arch_tie.h"
 #include "dma_common.h"
+#include "dplane/infra/lookup.h"
 #include "dplane/infra/ps.h"
+#include "dplane/infra/util.h"
 #include "pkt_buf.h"
 #include "pkt_rx.h"
 #include "platform/varn/fab_hdr_access.h"
@@ -17,13 +22,18 @@ constexpr std::uint32_t PIECE_LEN_SHIFT = 16;
 constexpr std::uint32_t PIECE_LEN_MASK = 0x3FFF;
 constexpr std::uint32_t HANDLE_SHIFT = 16;
 constexpr std::uint32_t HANDLE_MASK = 0x1FFF;
-constexpr std::uint32_t FIRST_PIECE_WORD = 3;
+constexpr std::uint32_t MAX_PIECES = 3;
+// Traced packets that the ingress side sends to the fabric.
+constexpr std::uint32_t GLB_CNT_TRACED_TO_FABRIC = 0x61;
 
-void write_gather_head(env_t env, be_u32* req, boolean_t mcast) {
+// Words 0 to 2, or without word 1 in the v3 form; returns the first piece word.
+be_u32* write_gather_head(env_t env, be_u32* req, boolean_t mcast, bool lock_word) {
   req[0] = pkt_rx_is_ingress(env) ? GATHER_CMD_INGRESS : GATHER_CMD_LOOPBACK;
-  req[1] = 0;
+  if (lock_word) req[1] = 0;
+  be_u32* handle_word = req + (lock_word ? 2 : 1);
   const std::uint32_t handle = (pkt_rx_gpm_pkt_handle(env) & HANDLE_MASK) << HANDLE_SHIFT;
-  req[2] = handle | GATHER_HANDLE_VALID | (mcast ? GATHER_MCAST : 0);
+  *handle_word = handle | GATHER_HANDLE_VALID | (mcast ? GATHER_MCAST : 0);
+  return handle_word + 1;
 }
 
 // The fabric takes no frame under 64 bytes: bytes from pkt_start pad it.
@@ -47,6 +57,61 @@ void npu_xmit_pkt_prep_service_loopback(env_t env, std::uint8_t* shim, std::uint
   shim[4] = static_cast<std::uint8_t>(payload_word >> 8);
   shim[5] = static_cast<std::uint8_t>(payload_word);
   shim[6] = static_cast<std::uint8_t>((sl_feature_id & 0x7F) | (cf::pkt_trace_on::get(flags) << 7));
+}
+
+// Zero words behind the payload bring a small frame to 64 bytes; returns the
+// payload length that reaches the 64-byte mark.
+std::uint32_t npu_xmit_pkt_fab_pad_in_place(std::uint8_t* payload_addr, std::uint32_t encap_len,
+                                            std::uint32_t payload_len) {
+  const std::uint32_t padded_len = FAB_MIN_FRAME_LEN - encap_len;
+  memzero_words(payload_addr + payload_len, static_cast<std::int32_t>(padded_len - payload_len));
+  return padded_len;
+}
+
+// How a request is laid out, and how it brings a frame under 64 bytes to 64.
+struct fab_request_form {
+  bool lock_word;      // word 1 stands in the request
+  bool pads_in_place;  // zero words behind the payload instead of a pad piece
+};
+constexpr fab_request_form FORM_PAD_PIECE{true, false};
+constexpr fab_request_form FORM_V2{true, true};
+constexpr fab_request_form FORM_V3{false, true};
+
+struct fab_encap {
+  std::uint8_t* addr;
+  std::uint32_t len;
+};
+
+// The pieces leave in order: first header, second header, payload, pad.
+void fab_prep(env_t env, fab_request_form form, fab_encap encap1, fab_encap encap2, std::uint8_t* payload_addr,
+              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast) {
+  const std::uint32_t encap_len = encap1.len + encap2.len;
+  if (form.pads_in_place && encap_len + payload_len < FAB_MIN_FRAME_LEN) {
+    payload_len = npu_xmit_pkt_fab_pad_in_place(payload_addr, encap_len, payload_len);
+  }
+  const std::uint32_t frame_len = encap_len + payload_len;
+  plat_final_fab_prep(env, encap1.addr, frame_len);
+  be_u32* piece = write_gather_head(env, dma_cell_words(env, gather_req_loc), mcast, form.lock_word);
+  std::array<std::uint8_t*, MAX_PIECES> addr{};
+  std::array<std::uint32_t, MAX_PIECES> len{};
+  std::uint32_t count = 0;
+  for (const fab_encap& e : {encap1, encap2}) {
+    if (e.addr == nullptr) continue;
+    addr[count] = e.addr;
+    len[count++] = e.len;
+  }
+  addr[count] = payload_addr;
+  len[count++] = payload_len;
+  if (!pkt_rx_is_ingress(env)) {
+    addr[0] -= NPU_SPAN_EGR_FAB_SHIM_SIZE;
+    len[0] += NPU_SPAN_EGR_FAB_SHIM_SIZE;
+    npu_xmit_pkt_prep_service_loopback(env, addr[0], frame_len, payload_len, SL_FEATURE_ID_FABRIC);
+  }
+  const bool pad_piece = frame_len < FAB_MIN_FRAME_LEN;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    piece[i] = npu_gather_piece(env, i == 0 ? count + (pad_piece ? 1 : 0) : 0, len[i], addr[i]);
+  }
+  if (pad_piece) npu_xmit_pkt_fab_prep_small_pkt(env, &piece[count], frame_len);
 }
 
 }  // namespace
@@ -74,32 +139,38 @@ void plat_final_fab_prep2(env_t env) {
 
 void npu_xmit_pkt_fab_prep(env_t env, std::uint8_t* encap_addr, std::uint32_t encap_len, std::uint8_t* payload_addr,
                            std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast) {
-  const std::uint32_t frame_len = encap_len + payload_len;
-  plat_final_fab_prep(env, encap_addr, frame_len);
-  be_u32* req = dma_cell_words(env, gather_req_loc);
-  write_gather_head(env, req, mcast);
-  std::uint8_t* first = encap_addr ? encap_addr : payload_addr;
-  std::uint32_t first_len = encap_addr ? encap_len : payload_len;
-  if (!pkt_rx_is_ingress(env)) {
-    first -= NPU_SPAN_EGR_FAB_SHIM_SIZE;
-    first_len += NPU_SPAN_EGR_FAB_SHIM_SIZE;
-    npu_xmit_pkt_prep_service_loopback(env, first, frame_len, payload_len, SL_FEATURE_ID_FABRIC);
-  }
-  const bool small = frame_len < FAB_MIN_FRAME_LEN;
-  const std::uint32_t count = (encap_addr ? 2u : 1u) + (small ? 1u : 0u);
-  be_u32* piece = req + FIRST_PIECE_WORD;
-  piece[0] = npu_gather_piece(env, count, first_len, first);
-  if (encap_addr) piece[1] = npu_gather_piece(env, 0, payload_len, payload_addr);
-  if (small) npu_xmit_pkt_fab_prep_small_pkt(env, &piece[count - 1], frame_len);
+  fab_prep(env, FORM_PAD_PIECE, {encap_addr, encap_len}, {nullptr, 0}, payload_addr, payload_len, gather_req_loc,
+           mcast);
+}
+
+void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1,
+                              std::uint8_t* encap_addr2, std::uint32_t encap_len2, std::uint8_t* payload_addr,
+                              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast) {
+  fab_prep(env, FORM_V2, {encap_addr1, encap_len1}, {encap_addr2, encap_len2}, payload_addr, payload_len,
+           gather_req_loc, mcast);
+}
+
+void npu_xmit_pkt_fab_prep_v3(env_t env, std::uint8_t* encap_addr, std::uint32_t encap_len, std::uint8_t* payload_addr,
+                              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast) {
+  fab_prep(env, FORM_V3, {encap_addr, encap_len}, {nullptr, 0}, payload_addr, payload_len, gather_req_loc, mcast);
 }
 
 void npu_xmit_pkt_fab(env_t env, std::uint32_t flb_gather_req_loc, std::uint32_t gather_resp_loc) {
   plat_final_fab_prep2(env);
-  if (cf::keep_gpm::get(*ps_get_common_flags(env))) {
+  const common_flags_st& flags = *ps_get_common_flags(env);
+  if (cf::pkt_trace_on::get(flags) && pkt_rx_is_ingress(env)) {
+    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, GLB_CNT_TRACED_TO_FABRIC);
+  }
+  if (cf::keep_gpm::get(flags)) {
     npu_xmit_pkt_keep(env, FALSE, flb_gather_req_loc, GATHER_KEEP_REQ_BYTES, GATHER_KEEP_RESP_LOC);
     return;
   }
   dma_flush_initiate_and_wait(env, FLB_SEND_CMD | (flb_gather_req_loc / 16) | ((gather_resp_loc / 16) << 12));
+}
+
+// The request of the v2 form has the same words and size as the first form's.
+void npu_xmit_pkt_v2_fab(env_t env, std::uint32_t flb_gather_req_loc, std::uint32_t gather_resp_loc) {
+  npu_xmit_pkt_fab(env, flb_gather_req_loc, gather_resp_loc);
 }
 
 void npu_pkt_tx_request_ing(env_t env) { npu_xmit_pkt_fab(env, FLB_GATHER_REQ_LOC, FLB_GATHER_RESP_LOC); }

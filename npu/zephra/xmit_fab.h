@@ -7,6 +7,10 @@
 //   2  gpm_pkt_handle in bits 28..16, bit 0 set, bit 31 for multicast
 //   3+ one word per piece: piece count in the top 2 bits of the first,
 //      length in bits 29..16, offset from the packet buffer start below
+// The v3 form leaves word 1 out: its pieces start at word 2.
+//
+// A frame under 64 bytes is brought to 64: the first form adds a pad piece
+// read from pkt_start, the v2 and v3 forms clear words behind the payload.
 #pragma once
 
 #include <cstdint>
@@ -33,7 +37,15 @@ void plat_final_fab_prep(env_t env, std::uint8_t* encap, std::uint32_t total_fra
 void plat_final_fab_prep2(env_t env);
 void npu_xmit_pkt_fab_prep(env_t env, std::uint8_t* encap_addr, std::uint32_t encap_len, std::uint8_t* payload_addr,
                            std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast);
+// With a second encapsulation piece between the first and the payload.
+void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1,
+                              std::uint8_t* encap_addr2, std::uint32_t encap_len2, std::uint8_t* payload_addr,
+                              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast);
+// The request has no word 1, so it cannot become a keep send.
+void npu_xmit_pkt_fab_prep_v3(env_t env, std::uint8_t* encap_addr, std::uint32_t encap_len, std::uint8_t* payload_addr,
+                              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast);
 void npu_xmit_pkt_fab(env_t env, std::uint32_t flb_gather_req_loc, std::uint32_t gather_resp_loc);
+void npu_xmit_pkt_v2_fab(env_t env, std::uint32_t flb_gather_req_loc, std::uint32_t gather_resp_loc);
 void npu_pkt_tx_request_ing(env_t env);
 void npu_xmit_pkt_keep(env_t env, boolean_t qsm_header_present, std::uint32_t flb_gather_req_loc,
                        std::uint32_t flb_gather_req_size, std::uint32_t res_loc);

@@ -2,70 +2,39 @@
 // writes a fabric header ahead of its packet and sends it; the frame must
 // leave with the pieces and header the gather list gives and arrive on the
 // NPU that serves its VQI, where the egress dispatch runs on it.
-#include <gtest/gtest.h>
-
 #include <vector>
 
-#include "ctrl/fabric.h"
 #include "dma_common.h"
 #include "dplane/infra/drop.h"
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/xmit_fab.h"
 #include "platform/shared/unbuilt_handlers.h"
-#include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
-#include "platform/varn/fab_hdr_write.h"
-#include "tests/unit/pkt_buffer/test_handler.h"
+#include "tests/unit/fabric/fabric_fixture.h"
 
 namespace {
 
-constexpr std::uint32_t FAB_HDR_BYTES = 32;
-constexpr std::uint32_t DEST_VQI = 0x123;
+using namespace fabric_test;
 
 struct sent_record {
   std::vector<std::uint32_t> gather;  // words 0..5 of the request
   std::uint8_t* fab = nullptr;
 };
 
-std::vector<std::uint8_t> payload_of(std::uint32_t len) {
-  std::vector<std::uint8_t> p(len);
-  for (std::uint32_t i = 0; i < len; ++i) p[i] = static_cast<std::uint8_t>(0xA0 + i);
-  return p;
-}
-
 // Writes a unicast IPv4 fabric header ahead of the packet and prepares the
 // request at the usual place.
 void prep_unicast(env_t env, sent_record& rec, boolean_t multicast_hdr = FALSE) {
   std::uint8_t* payload = *ps_get_pkt_start(env);
   std::uint8_t* fab = payload - FAB_HDR_BYTES;
-  for (std::uint32_t i = 0; i < FAB_HDR_BYTES; ++i) fab[i] = 0;
-  dc3_nph_st::nph_type::set(fab_as<dc3_nph_st>(fab), NPH_TYPE_IPV4_UNI);
-  if (multicast_hdr) {
-    plat_fab_hdr_write_fgid_common(fab, 0x45);
-  } else {
-    plat_fab_hdr_write_vqi_voq(fab, DEST_VQI);
-  }
+  write_unicast_header(fab);
+  if (multicast_hdr) plat_fab_hdr_write_fgid_common(fab, 0x45);
   npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES, payload, pkt_get_rx_packet_length(env), FLB_GATHER_REQ_LOC, FALSE);
   const be_u32* req = dma_cell_words(env, FLB_GATHER_REQ_LOC);
   rec.gather.assign(req, req + 6);
   rec.fab = fab;
 }
 
-class FabricTransmit : public ::testing::Test {
- protected:
-  FabricTransmit() { EXPECT_EQ(ctrl::map_vqi(h.chassis(), DEST_VQI, 1), ctrl::error::none); }
-
-  // Sends one line packet with a payload of len bytes through body on NPU 0.
-  model::packet_outcome send_through(std::uint32_t len, std::function<void(env_t)> body) {
-    pbt::install_test_handler(h, std::move(body));
-    h.send(pbt::line_packet(7).set<dist_hdr_line_st::pktlen>(len), payload_of(len));
-    const auto out = h.run(0);
-    EXPECT_EQ(out.size(), 1u);
-    return out.empty() ? model::packet_outcome{} : out[0];
-  }
-
-  testkit::npu_harness h{2, 1};
-};
+using FabricTransmit = FabricFixture;
 
 TEST_F(FabricTransmit, SmallFrameTakesThreePiecesAndPlen36) {
   sent_record rec;

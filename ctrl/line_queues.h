@@ -1,0 +1,16 @@
+// The traffic manager's output queues: which line port each queue feeds.
+#pragma once
+
+#include <cstdint>
+
+#include "error.h"
+#include "model/npu.h"
+
+namespace ctrl {
+
+// Frames sent to queue_id (the line header's 16 bits) leave by line port
+// `port` of NPU n. out_of_range for a queue beyond 16 bits or a port beyond
+// the logical ports.
+error map_line_queue(model::npu& n, std::uint32_t queue_id, std::uint32_t port);
+
+}  // namespace ctrl
