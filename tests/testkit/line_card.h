@@ -18,7 +18,8 @@ inline const pkt::mac_addr PEER_MAC = {0x02, 0x00, 0x00, 0x00, 0x00, 0x99};
 
 class line_card {
  public:
-  line_card() : hashes_(h_.npu()), ifs_(h_.npu(), hashes_) {}
+  // A chassis of `npus` NPUs; the ports and interfaces are NPU 0's.
+  explicit line_card(std::uint32_t npus = 1) : h_(npus), hashes_(h_.npu()), ifs_(h_.npu(), hashes_) {}
 
   npu_harness& harness() { return h_; }
   model::npu& npu() { return h_.npu(); }

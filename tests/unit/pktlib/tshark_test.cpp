@@ -3,10 +3,6 @@
 // except the ones broken on purpose.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-#include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,12 +10,16 @@
 #include "pktlib/packet_builder.h"
 #include "pktlib/pcap_file.h"
 #include "scratch_dir.h"
+#include "testkit/tshark.h"
 
 namespace pkt {
 namespace {
 
 using bytes = std::vector<std::uint8_t>;
-using field_values = std::map<std::string, std::string>;
+using testkit::dissect;
+using testkit::field_values;
+using testkit::read_file;
+using testkit::tshark_available;
 
 const std::vector<std::string> checksum_statuses = {"ip.checksum.status",     "udp.checksum.status",
                                                     "tcp.checksum.status",    "icmp.checksum.status",
@@ -105,43 +105,6 @@ std::vector<dissected_case> cases() {
        "eth:ethertype:ip:udp:vxlan:eth:ethertype:ip:tcp",
        {{"tcp.checksum.status", "0"}}},
   };
-}
-
-bool tshark_available() { return std::system("command -v tshark >/dev/null 2>&1") == 0; }
-
-std::string read_file(const std::string& path) {
-  std::ifstream in(path);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-// One line of tab-separated fields per frame. tshark decodes one extra
-// tag TPID besides 0x8100 and 0x88a8, here 0x9200.
-std::vector<field_values> dissect(const std::string& pcap, const std::vector<std::string>& fields,
-                                  const std::string& stderr_path) {
-  std::string command = "tshark -n -r '" + pcap +
-                        "' -o ip.check_checksum:TRUE -o tcp.check_checksum:TRUE -o udp.check_checksum:TRUE -o "
-                        "vlan.qinq_ethertype:0x9200 -T fields";
-  for (const std::string& f : fields) command += " -e " + f;
-  command += " 2>'" + stderr_path + "'";
-  std::string output;
-  if (FILE* pipe = popen(command.c_str(), "r")) {
-    char buffer[4096];
-    while (std::size_t n = fread(buffer, 1, sizeof buffer, pipe)) output.append(buffer, n);
-    pclose(pipe);
-  }
-  std::vector<field_values> frames;
-  std::istringstream lines(output);
-  for (std::string line; std::getline(lines, line);) {
-    field_values values;
-    std::istringstream cells(line);
-    std::string cell;
-    for (const std::string& f : fields) {
-      std::getline(cells, cell, '\t');
-      values[f] = cell;
-    }
-    frames.push_back(values);
-  }
-  return frames;
 }
 
 TEST(Tshark, LayersDecodeAndChecksumsVerify) {

@@ -1,0 +1,282 @@
+// Sends across a chassis of four NPUs, with the fabric's and the traffic
+// manager's maps written through the control side: a frame from a line port
+// of NPU 0 goes to the fabric and arrives on the NPU of its VQI, or on every
+// NPU of its group; a frame to a line port leaves as an Ethernet frame that
+// an independent dissector reads.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ctrl/fabric.h"
+#include "ctrl/line_queues.h"
+#include "dma_common.h"
+#include "npu/zephra/pkt_buf.h"
+#include "npu/zephra/pkt_rx.h"
+#include "npu/zephra/xmit_fab.h"
+#include "pktlib/packet_builder.h"
+#include "pktlib/pcap_file.h"
+#include "platform/shared/unbuilt_handlers.h"
+#include "platform/varn/fab_hdr.h"
+#include "platform/varn/fab_hdr_write.h"
+#include "platform/varn/line_hdr.h"
+#include "testkit/line_card.h"
+#include "testkit/tshark.h"
+#include "unit/pkt_buffer/test_handler.h"
+#include "unit/pktlib/scratch_dir.h"
+
+namespace {
+
+using bytes = std::vector<std::uint8_t>;
+using testkit::line_card;
+using testkit::PEER_MAC;
+using testkit::ROUTER_MAC;
+
+constexpr std::uint32_t NPUS = 4;
+constexpr std::uint32_t IN_PORT = 1;
+constexpr std::uint32_t VQI = 0x2A7;
+constexpr std::uint32_t VQI_NPU = 1;
+// Two groups that differ only in bits 18 to 15 of the MGID.
+constexpr std::uint32_t MGID = 0x5A5A5;
+constexpr std::uint32_t MGID_LOW = MGID & 0x7FFF;
+const std::vector<std::uint32_t> MGID_NPUS = {1, 3};
+const std::vector<std::uint32_t> MGID_LOW_NPUS = {2};
+constexpr std::uint32_t OUT_QUEUE = 0x1234;
+constexpr std::uint32_t OUT_PORT = 9;       // where OUT_QUEUE leads
+constexpr std::uint32_t QSM_NP_PORT = 17;   // the NPU port of a send from the ingress buffer
+constexpr std::uint32_t ETH_BYTES = 14;
+constexpr std::uint32_t FAB_HDR_BYTES_UNI = nph_length_bytes(NPH_LENGTH_32);
+constexpr std::uint32_t FAB_HDR_BYTES_MC = nph_length_bytes(NPH_LENGTH_44);
+constexpr std::uint32_t IF_HANDLE = 0x101;
+constexpr std::uint32_t LINE_GATHER_REQ_LOC = 0x40;
+const pkt::mac_addr NEXT_HOP_MAC = {0x02, 0x00, 0x00, 0x00, 0x00, 0x42};
+
+// A UDP packet to the router from the station beside it.
+bytes udp_frame(std::size_t udp_payload) {
+  return pkt::builder()
+      .eth(PEER_MAC, ROUTER_MAC)
+      .ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("192.0.2.1"))
+      .udp(1000, 53)
+      .payload(udp_payload)
+      .build();
+}
+
+std::uint8_t* l3_start(env_t env) { return *ps_get_pkt_start(env) + ETH_BYTES; }
+std::uint32_t l3_len(env_t env) { return pkt_get_rx_packet_length(env) - ETH_BYTES; }
+
+// The body of the egress dispatch's IPv4 unicast entry, for the tests that
+// take a frame on from the fabric.
+std::function<void(env_t)>& egress_body() {
+  static std::function<void(env_t)> body;
+  return body;
+}
+void egress_handler(env_t env) { egress_body()(env); }
+
+class Transmit : public ::testing::Test {
+ protected:
+  Transmit() {
+    lc.add_port(IN_PORT);
+    EXPECT_TRUE(lc.ifs().add_physical_port(IN_PORT, line_card::routed(IF_HANDLE, true, false, false)).err ==
+                ctrl::error::none);
+    EXPECT_EQ(ctrl::map_vqi(chassis(), VQI, VQI_NPU), ctrl::error::none);
+    EXPECT_EQ(ctrl::map_fabric_group(chassis(), MGID, MGID_NPUS), ctrl::error::none);
+    EXPECT_EQ(ctrl::map_fabric_group(chassis(), MGID_LOW, MGID_LOW_NPUS), ctrl::error::none);
+    EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), OUT_QUEUE, OUT_PORT), ctrl::error::none);
+  }
+
+  model::chassis& chassis() { return lc.harness().chassis(); }
+
+  // A UDP frame from IN_PORT, through the parser to the IPv4 fast path,
+  // whose place `ingress` takes.
+  model::packet_outcome receive(std::function<void(env_t)> ingress, std::size_t udp_payload = 8) {
+    pbt::install_test_handler(lc.harness(), std::move(ingress));
+    return lc.receive(IN_PORT, udp_frame(udp_payload));
+  }
+
+  void install_egress(std::function<void(env_t)> body) {
+    egress_body() = std::move(body);
+    lc.harness().on_thread(
+        [](env_t) { nph_ep.entry_point[nph_type_to_ep_table_index(NPH_TYPE_IPV4_UNI)] = &egress_handler; }, VQI_NPU);
+  }
+
+  line_card lc{NPUS};
+};
+
+// The ingress side's unicast send of len bytes of the L3 packet.
+void prep_to_vqi(env_t env, std::uint32_t len) {
+  std::uint8_t* fab = l3_start(env) - FAB_HDR_BYTES_UNI;
+  plat_fab_hdr_prep_to_write(env, fab);
+  plat_fab_hdr_write_ipv4_uni_part_1(env, fab, 0, IF_HANDLE);
+  plat_fab_hdr_write_vqi_voq(fab, VQI);
+  npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES_UNI, l3_start(env), len, FLB_GATHER_REQ_LOC, FALSE);
+}
+
+void send_to_vqi(env_t env) {
+  prep_to_vqi(env, l3_len(env));
+  npu_pkt_tx_request_ing(env);
+}
+
+// The ingress side's multicast send, with an IPv4 multicast header.
+void send_to_group(env_t env, std::uint32_t mgid) {
+  std::uint8_t* fab = l3_start(env) - FAB_HDR_BYTES_MC;
+  plat_fab_hdr_prep_to_write(env, fab);
+  plat_fab_hdr_write_nph_common(env, fab, NPH_TYPE_IPV4_MC, NPH_LENGTH_44);
+  plat_fab_hdr_write_mgid_common(fab, mgid);
+  plat_fab_hdr_write_fgid_common(fab, 0x45);
+  npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES_MC, l3_start(env), l3_len(env), FLB_GATHER_REQ_LOC, TRUE);
+  npu_pkt_tx_request_ing(env);
+}
+
+// A send to a line port: the headers ahead of the frame as one piece, the
+// L3 packet as the other. From the ingress buffer the request says so, and
+// the headers start with the QSM header.
+void send_to_line(env_t env, std::uint8_t* headers, std::uint32_t headers_len, bool in_ingress_buffer) {
+  be_u32* req = dma_cell_words(env, LINE_GATHER_REQ_LOC);
+  req[0] = in_ingress_buffer ? 0x00000F13 : 0x00000F12;
+  req[1] = 0;
+  req[2] = (pkt_rx_gpm_pkt_handle(env) << 16) | 0x0001 | (in_ingress_buffer ? 0x40000000 : 0);
+  req[3] = npu_gather_piece(env, 2, headers_len, headers);
+  req[4] = npu_gather_piece(env, 0, l3_len(env), l3_start(env));
+  dma_flush_initiate_and_wait(env, FLB_SEND_CMD | (LINE_GATHER_REQ_LOC / 16) | ((FLB_GATHER_RESP_LOC / 16) << 12));
+}
+
+// The line header for `queue` and the Ethernet header to the next hop, in
+// the 28 bytes ahead of the L3 packet.
+std::uint8_t* write_line_and_ethernet(env_t env, std::uint32_t queue) {
+  std::uint8_t* line = l3_start(env) - ETH_BYTES - LINE_HDR_BYTES;
+  std::memset(line, 0, LINE_HDR_BYTES);
+  auto& hdr = *reinterpret_cast<line_hdr_st*>(line);
+  line_hdr_st::queue_id::set(hdr, queue);
+  line_hdr_st::stored_length::set(hdr, l3_len(env) + ETH_BYTES + LINE_HDR_BYTES);
+  std::uint8_t* eth = line + LINE_HDR_BYTES;
+  std::copy(NEXT_HOP_MAC.begin(), NEXT_HOP_MAC.end(), eth);
+  std::copy(ROUTER_MAC.begin(), ROUTER_MAC.end(), eth + 6);
+  eth[12] = 0x08;
+  eth[13] = 0x00;
+  return line;
+}
+
+// The egress side takes the fabric header's 32 bytes as room for the line
+// and Ethernet headers, and sends to queue.
+void send_to_queue(env_t env, std::uint32_t queue) {
+  *ps_put_mod_pkt_start(env) += FAB_HDR_BYTES_UNI - ETH_BYTES;
+  *ps_put_mod_curr_pkt_len(env) -= FAB_HDR_BYTES_UNI - ETH_BYTES;
+  send_to_line(env, write_line_and_ethernet(env, queue), LINE_HDR_BYTES + ETH_BYTES, false);
+}
+
+TEST_F(Transmit, UnicastFrameArrivesOnTheNpuOfItsVqiWithItsHeader) {
+  std::vector<std::uint32_t> pieces;
+  // A bare IPv4 header: 20 bytes behind a 32-byte fabric header.
+  const model::packet_outcome o = receive(
+      [&](env_t env) {
+        prep_to_vqi(env, 20);
+        const be_u32* req = dma_cell_words(env, FLB_GATHER_REQ_LOC);
+        pieces = {req[3].get() >> 30, (req[3].get() >> 16) & 0x3FFF, (req[4].get() >> 16) & 0x3FFF,
+                  (req[5].get() >> 16) & 0x3FFF};
+        npu_pkt_tx_request_ing(env);
+      },
+      0);
+  EXPECT_EQ(pieces, (std::vector<std::uint32_t>{3, FAB_HDR_BYTES_UNI, 20, 12}));
+  ASSERT_EQ(o.sent.size(), 1u);
+  EXPECT_EQ(o.sent[0].to, model::frame_destination::fabric);
+  EXPECT_EQ(o.sent[0].port, VQI);
+
+  const std::vector<model::packet_outcome> arrived = lc.harness().run(VQI_NPU);
+  ASSERT_EQ(arrived.size(), 1u);
+  EXPECT_EQ(arrived[0].placeholder, static_cast<std::int32_t>(UNBUILT_ipv4_egr));
+  const bytes frame = o.sent[0].bytes;
+  ASSERT_EQ(frame.size(), 64u);
+  const auto& hdr = *reinterpret_cast<const dc3_nph_st*>(frame.data());
+  EXPECT_EQ(dc3_nph_st::dc3_plen::get(hdr), 36u);
+  EXPECT_EQ(dc3_nph_st::nph_type::get(hdr), NPH_TYPE_IPV4_UNI);
+  EXPECT_EQ(dc3_nph_st::dc3_fgid_or_sfp::get(hdr), VQI);
+  const bytes sent = udp_frame(0);
+  EXPECT_TRUE(std::equal(sent.begin() + ETH_BYTES, sent.begin() + ETH_BYTES + 20, frame.begin() + FAB_HDR_BYTES_UNI));
+  for (std::uint32_t other : {0u, 2u, 3u}) EXPECT_TRUE(lc.harness().run(other).empty()) << "NPU " << other;
+}
+
+TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAndNoOther) {
+  const model::packet_outcome o = receive([](env_t env) { send_to_group(env, MGID); });
+  ASSERT_EQ(o.sent.size(), 1u);
+  EXPECT_EQ(o.sent[0].port, MGID);
+  EXPECT_EQ(o.note, "");
+  for (std::uint32_t n = 0; n < NPUS; ++n) {
+    const std::vector<model::packet_outcome> arrived = lc.harness().run(n);
+    const bool member = std::count(MGID_NPUS.begin(), MGID_NPUS.end(), n) != 0;
+    ASSERT_EQ(arrived.size(), member ? 1u : 0u) << "NPU " << n;
+    if (!member) continue;
+    EXPECT_EQ(arrived[0].placeholder, static_cast<std::int32_t>(UNBUILT_ipm4_egr));
+    dist_hdr_fabric_st dist;
+    std::memcpy(dist.bytes, arrived[0].dist_hdr.data(), sizeof dist.bytes);
+    EXPECT_EQ(dist_hdr_fabric_st::mcast::get(dist), 1u);
+  }
+}
+
+TEST_F(Transmit, UnmappedGroupLeavesANoteOnTheSender) {
+  const model::packet_outcome o = receive([](env_t env) { send_to_group(env, MGID + 1); });
+  EXPECT_NE(o.note.find("fabric group " + std::to_string(MGID + 1) + " maps to no NPU"), std::string::npos) << o.note;
+  for (std::uint32_t n = 1; n < NPUS; ++n) EXPECT_TRUE(lc.harness().run(n).empty()) << "NPU " << n;
+}
+
+// The frame that left for port `port`, as tshark reads it.
+void expect_ethernet_frame_to_next_hop(const model::sent_frame& f, std::uint32_t port) {
+  EXPECT_EQ(f.to, model::frame_destination::line);
+  EXPECT_EQ(f.port, port);
+  bytes expected = udp_frame(8);
+  std::copy(NEXT_HOP_MAC.begin(), NEXT_HOP_MAC.end(), expected.begin());
+  std::copy(ROUTER_MAC.begin(), ROUTER_MAC.end(), expected.begin() + 6);
+  EXPECT_EQ(f.bytes, expected);
+  if (!testkit::tshark_available()) GTEST_SKIP() << "tshark not installed";
+  pkt::scratch_dir dir;
+  const std::vector<pkt::pcap_record> records = {{std::chrono::seconds(1), f.bytes}};
+  pkt::write_pcap(dir.file("line.pcap"), records);
+  const std::vector<std::string> fields = {"eth.dst", "eth.src", "ip.dst", "udp.dstport", "ip.checksum.status",
+                                           "udp.checksum.status"};
+  const auto frames = testkit::dissect(dir.file("line.pcap"), fields, dir.file("stderr"));
+  ASSERT_EQ(frames.size(), 1u) << testkit::read_file(dir.file("stderr"));
+  EXPECT_EQ(frames[0].at("eth.dst"), "02:00:00:00:00:42");
+  EXPECT_EQ(frames[0].at("eth.src"), "02:00:00:00:00:01");
+  EXPECT_EQ(frames[0].at("ip.dst"), "192.0.2.1");
+  EXPECT_EQ(frames[0].at("udp.dstport"), "53");
+  EXPECT_EQ(frames[0].at("ip.checksum.status"), "1");
+  EXPECT_EQ(frames[0].at("udp.checksum.status"), "1");
+}
+
+TEST_F(Transmit, LineSendFromTheIngressBufferLeavesByTheQsmHeadersPort) {
+  const model::packet_outcome o = receive([](env_t env) {
+    std::uint8_t* qsm = write_line_and_ethernet(env, OUT_QUEUE + 1) - 2;
+    qsm[0] = 2;
+    qsm[1] = QSM_NP_PORT;
+    send_to_line(env, qsm, 2 + LINE_HDR_BYTES + ETH_BYTES, true);
+  });
+  EXPECT_EQ(o.end, model::packet_end::sent);
+  ASSERT_EQ(o.sent.size(), 1u);
+  expect_ethernet_frame_to_next_hop(o.sent[0], QSM_NP_PORT);
+}
+
+TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
+  install_egress([](env_t env) { send_to_queue(env, OUT_QUEUE); });
+  receive(send_to_vqi);
+  const std::vector<model::packet_outcome> egress = lc.harness().run(VQI_NPU);
+  ASSERT_EQ(egress.size(), 1u);
+  ASSERT_EQ(egress[0].sent.size(), 1u);
+  expect_ethernet_frame_to_next_hop(egress[0].sent[0], OUT_PORT);
+}
+
+TEST_F(Transmit, LineSendToAnUnmappedQueueLeavesANoteAndNoFrame) {
+  EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), 0x10000, OUT_PORT), ctrl::error::out_of_range);
+  EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), OUT_QUEUE, 0x1000), ctrl::error::out_of_range);
+  install_egress([](env_t env) { send_to_queue(env, OUT_QUEUE + 1); });
+  receive(send_to_vqi);
+  const std::vector<model::packet_outcome> egress = lc.harness().run(VQI_NPU);
+  ASSERT_EQ(egress.size(), 1u);
+  EXPECT_TRUE(egress[0].sent.empty());
+  EXPECT_NE(egress[0].note.find("queue " + std::to_string(OUT_QUEUE + 1) + " maps to no line port"),
+            std::string::npos)
+      << egress[0].note;
+}
+
+}  // namespace
