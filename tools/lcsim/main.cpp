@@ -71,8 +71,9 @@ int main(int argc, char** argv) {
                  "cores, and packets that share a flow lock still leave in arrival order")
       ->check(CLI::Range(1u, MAX_THREADS));
   app.add_option("--out", opt.out,
-                 "Write what leaves into this directory: fabric.pcap, host.pcap and line-<port>.pcap "
-                 "per line port. The transmit paths are not built yet, so the files hold no frames for now.");
+                 "Write what leaves into this directory: fabric.pcap (frames with their fabric header), "
+                 "host.pcap, and line-<port>.pcap per line port (the Ethernet frames behind the line header). "
+                 "No built forwarding path sends yet, so the files hold no frames for now.");
   CLI11_PARSE(app, argc, argv);
   try {
     return run(opt);

@@ -10,6 +10,7 @@
 #include "platform/shared/unbuilt_handlers.h"
 #include "fab_hdr_report.h"
 #include "platform/varn/dist_hdr.h"
+#include "platform/varn/fab_hdr.h"
 
 namespace lcsim {
 
@@ -44,8 +45,17 @@ void print_fields(std::FILE* out, const std::vector<std::uint8_t>& frame) {
   for (const std::string& f : fabric_header_fields(frame)) std::fprintf(out, "         %s\n", f.c_str());
 }
 
-// The fabric header a packet arrived with, and those of the frames it sent.
-void print_fabric_headers(std::FILE* out, const packet_result& r) {
+// Where a frame left to: a line port, or the fabric's VQI or group.
+std::string destination_of(const model::sent_frame& f) {
+  if (f.to == model::frame_destination::line) return "line port " + std::to_string(f.port);
+  const bool unicast = f.bytes.size() >= sizeof(dc3_nph_st) &&
+                       dc3_nph_st::dc3_sfp_valid::get(*reinterpret_cast<const dc3_nph_st*>(f.bytes.data()));
+  return std::string("the fabric, ") + (unicast ? "VQI " : "group ") + std::to_string(f.port);
+}
+
+// The fabric header a packet arrived with, the frames it sent, and those
+// of the fabric's headers.
+void print_frames(std::FILE* out, const packet_result& r) {
   dist_hdr_fabric_st hdr;
   std::memcpy(hdr.bytes, r.outcome.dist_hdr.data(), sizeof hdr.bytes);
   if (r.input && dist_hdr_fabric_st::dst_format::get(hdr) == DST_FORMAT_FABRIC) {
@@ -53,9 +63,10 @@ void print_fabric_headers(std::FILE* out, const packet_result& r) {
     print_fields(out, r.input->packet.bytes);
   }
   for (const model::sent_frame& f : r.outcome.sent) {
-    if (f.to != model::frame_destination::fabric) continue;
-    std::fprintf(out, "       sent %zu bytes to the fabric, VQI %u, header:\n", f.bytes.size(), f.port);
-    print_fields(out, f.bytes);
+    const bool fabric = f.to == model::frame_destination::fabric;
+    std::fprintf(out, "       sent %zu bytes to %s%s\n", f.bytes.size(), destination_of(f).c_str(),
+                 fabric ? ", header:" : "");
+    if (fabric) print_fields(out, f.bytes);
   }
 }
 
@@ -67,7 +78,7 @@ void print_report(std::FILE* out, model::chassis& chassis, const std::vector<pac
     std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq),
                  r.outcome.npu, r.input ? r.input->description.c_str() : "from the fabric",
                  ending(r.outcome).c_str());
-    print_fabric_headers(out, r);
+    print_frames(out, r);
   }
   std::fprintf(out, "Counters\n");
   for (std::size_t n = 0; n < chassis.size(); ++n) {
