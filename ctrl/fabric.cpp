@@ -10,8 +10,8 @@ error map_vqi(model::chassis& chassis, std::uint32_t vqi, std::uint32_t npu_id) 
   return error::none;
 }
 
-error map_fabric_group(model::chassis& chassis, std::uint32_t mgid, const std::vector<std::uint32_t>& npus) {
-  if (mgid >= model::chassis::MGID_COUNT) return error::out_of_range;
+error map_fabric_group(model::chassis& chassis, std::uint32_t fgid, const std::vector<std::uint32_t>& npus) {
+  if (fgid >= model::chassis::FGID_COUNT) return error::out_of_range;
   if (npus.empty()) return error::bad_size;
   if (std::any_of(npus.begin(), npus.end(), [&](std::uint32_t id) { return id >= chassis.size(); })) {
     return error::out_of_range;
@@ -19,7 +19,7 @@ error map_fabric_group(model::chassis& chassis, std::uint32_t mgid, const std::v
   std::vector<std::uint32_t> sorted = npus;
   std::sort(sorted.begin(), sorted.end());
   if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end()) return error::exists;
-  chassis.map_fabric_group(mgid, npus);
+  chassis.map_fabric_group(fgid, npus);
   return error::none;
 }
 

@@ -14,10 +14,10 @@ namespace ctrl {
 // an NPU the chassis lacks.
 error map_vqi(model::chassis& chassis, std::uint32_t vqi, std::uint32_t npu_id);
 
-// Frames to group mgid go to each NPU of npus, which replaces the group's
-// members. out_of_range for an MGID beyond 19 bits or an NPU the chassis
-// lacks, bad_size for no NPU, exists for an NPU named twice; nothing changes
+// Frames to fabric group fgid go to each NPU of npus, which replaces the
+// group's members. out_of_range for an FGID beyond 24 bits or an NPU the
+// chassis lacks, bad_size for no NPU, exists for an NPU named twice; nothing changes
 // on an error.
-error map_fabric_group(model::chassis& chassis, std::uint32_t mgid, const std::vector<std::uint32_t>& npus);
+error map_fabric_group(model::chassis& chassis, std::uint32_t fgid, const std::vector<std::uint32_t>& npus);
 
 }  // namespace ctrl

@@ -23,14 +23,14 @@ std::optional<std::uint32_t> chassis::npu_of_vqi(std::uint32_t vqi) {
   return id;
 }
 
-void chassis::map_fabric_group(std::uint32_t mgid, std::vector<std::uint32_t> npus) {
+void chassis::map_fabric_group(std::uint32_t fgid, std::vector<std::uint32_t> npus) {
   std::lock_guard lock(mutex_);
-  group_npus_[mgid] = std::move(npus);
+  group_npus_[fgid] = std::move(npus);
 }
 
-std::vector<std::uint32_t> chassis::npus_of_group(std::uint32_t mgid) {
+std::vector<std::uint32_t> chassis::npus_of_group(std::uint32_t fgid) {
   std::lock_guard lock(mutex_);
-  const auto it = group_npus_.find(mgid);
+  const auto it = group_npus_.find(fgid);
   return it == group_npus_.end() ? std::vector<std::uint32_t>{} : it->second;
 }
 

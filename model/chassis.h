@@ -44,11 +44,11 @@ class chassis {
   void map_vqi(std::uint32_t vqi, std::uint32_t npu_id);
   std::optional<std::uint32_t> npu_of_vqi(std::uint32_t vqi);
   static constexpr std::uint32_t VQI_COUNT = 2048;
-  // Its map of multicast groups: MGID (19 bits) to the NPUs that each get a
+  // Its map of fabric groups: FGID (24 bits) to the NPUs that each get a
   // copy. An unmapped group has no NPU.
-  void map_fabric_group(std::uint32_t mgid, std::vector<std::uint32_t> npus);
-  std::vector<std::uint32_t> npus_of_group(std::uint32_t mgid);
-  static constexpr std::uint32_t MGID_COUNT = 1u << 19;
+  void map_fabric_group(std::uint32_t fgid, std::vector<std::uint32_t> npus);
+  std::vector<std::uint32_t> npus_of_group(std::uint32_t fgid);
+  static constexpr std::uint32_t FGID_COUNT = 1u << 24;
 
  private:
   friend class npu;

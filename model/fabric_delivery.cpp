@@ -22,11 +22,11 @@ void arrive(chassis& fabric, std::uint32_t npu_id, const std::vector<std::uint8_
 
 }  // namespace
 
-std::uint32_t fabric_header_mgid(const std::uint8_t* fab) {
-  using dc3 = dc3_nph_st;
-  const auto& hdr = *reinterpret_cast<const dc3*>(fab);
-  return (dc3::dc3_mgid_18::get(hdr) << 18) | (dc3::dc3_mgid_17::get(hdr) << 17) |
-         (dc3::dc3_mgid_16::get(hdr) << 16) | (dc3::dc3_mgid_15::get(hdr) << 15) | dc3::dc3_mgid_14_0::get(hdr);
+std::uint32_t fabric_header_fgid(const std::uint8_t* fab) {
+  using ext = ext_fgid_fields::ext_fgid;
+  const auto& hdr = *reinterpret_cast<const dc3_nph_st*>(fab);
+  return (ext::extended_fgid_b23_14::get(hdr) << 14) | (ext::extended_fgid_b13_12::get(hdr) << 12) |
+         dc3_nph_st::dc3_fgid_or_sfp::get(hdr);
 }
 
 void deliver_to_fabric(npu& from, sent_frame& frame, std::string& note) {
@@ -37,7 +37,7 @@ void deliver_to_fabric(npu& from, sent_frame& frame, std::string& note) {
   chassis& fabric = from.owner_chassis();
   const auto& hdr = *reinterpret_cast<const dc3_nph_st*>(frame.bytes.data());
   if (!dc3_nph_st::dc3_sfp_valid::get(hdr)) {
-    frame.port = fabric_header_mgid(frame.bytes.data());
+    frame.port = fabric_header_fgid(frame.bytes.data());
     const std::vector<std::uint32_t> group = fabric.npus_of_group(frame.port);
     if (group.empty()) note += "fabric group " + std::to_string(frame.port) + " maps to no NPU; ";
     for (std::uint32_t npu_id : group) arrive(fabric, npu_id, frame.bytes, true);

@@ -9,8 +9,9 @@
 
 namespace model {
 
-// The 19-bit multicast group of a fabric header, from its dc3_mgid_* bits.
-std::uint32_t fabric_header_mgid(const std::uint8_t* fab);
+// The 24-bit fabric group of a multicast header: its low 12 bits in
+// dc3_fgid_or_sfp, the rest in ext_fgid, which every multicast type carries.
+std::uint32_t fabric_header_fgid(const std::uint8_t* fab);
 
 // Queues the frame on its destination NPUs and sets frame.port to its VQI or
 // its group. A destination the chassis does not map leaves a note.

@@ -39,11 +39,12 @@ constexpr std::uint32_t NPUS = 4;
 constexpr std::uint32_t IN_PORT = 1;
 constexpr std::uint32_t VQI = 0x2A7;
 constexpr std::uint32_t VQI_NPU = 1;
-// Two groups that differ only in bits 18 to 15 of the MGID.
+// Two fabric groups that differ only in the FGID bits of ext_fgid.
+constexpr std::uint32_t FGID = 0xA5B123;
+constexpr std::uint32_t FGID_LOW = FGID & 0xFFF;
+const std::vector<std::uint32_t> FGID_NPUS = {1, 3};
+const std::vector<std::uint32_t> FGID_LOW_NPUS = {2};
 constexpr std::uint32_t MGID = 0x5A5A5;
-constexpr std::uint32_t MGID_LOW = MGID & 0x7FFF;
-const std::vector<std::uint32_t> MGID_NPUS = {1, 3};
-const std::vector<std::uint32_t> MGID_LOW_NPUS = {2};
 constexpr std::uint32_t OUT_QUEUE = 0x1234;
 constexpr std::uint32_t OUT_PORT = 9;       // where OUT_QUEUE leads
 constexpr std::uint32_t QSM_NP_PORT = 17;   // the NPU port of a send from the ingress buffer
@@ -82,8 +83,8 @@ class Transmit : public ::testing::Test {
     EXPECT_TRUE(lc.ifs().add_physical_port(IN_PORT, line_card::routed(IF_HANDLE, true, false, false)).err ==
                 ctrl::error::none);
     EXPECT_EQ(ctrl::map_vqi(chassis(), VQI, VQI_NPU), ctrl::error::none);
-    EXPECT_EQ(ctrl::map_fabric_group(chassis(), MGID, MGID_NPUS), ctrl::error::none);
-    EXPECT_EQ(ctrl::map_fabric_group(chassis(), MGID_LOW, MGID_LOW_NPUS), ctrl::error::none);
+    EXPECT_EQ(ctrl::map_fabric_group(chassis(), FGID, FGID_NPUS), ctrl::error::none);
+    EXPECT_EQ(ctrl::map_fabric_group(chassis(), FGID_LOW, FGID_LOW_NPUS), ctrl::error::none);
     EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), OUT_QUEUE, OUT_PORT), ctrl::error::none);
   }
 
@@ -120,12 +121,12 @@ void send_to_vqi(env_t env) {
 }
 
 // The ingress side's multicast send, with an IPv4 multicast header.
-void send_to_group(env_t env, std::uint32_t mgid) {
+void send_to_group(env_t env, std::uint32_t fgid) {
   std::uint8_t* fab = l3_start(env) - FAB_HDR_BYTES_MC;
   plat_fab_hdr_prep_to_write(env, fab);
   plat_fab_hdr_write_nph_common(env, fab, NPH_TYPE_IPV4_MC, NPH_LENGTH_44);
-  plat_fab_hdr_write_mgid_common(fab, mgid);
-  plat_fab_hdr_write_fgid_common(fab, 0x45);
+  plat_fab_hdr_write_mgid_common(fab, MGID);
+  plat_fab_hdr_write_fgid_common(fab, fgid);
   npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES_MC, l3_start(env), l3_len(env), FLB_GATHER_REQ_LOC, TRUE);
   npu_pkt_tx_request_ing(env);
 }
@@ -199,17 +200,17 @@ TEST_F(Transmit, UnicastFrameArrivesOnTheNpuOfItsVqiWithItsHeader) {
 }
 
 TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAndNoOther) {
-  const model::packet_outcome unmapped = receive([](env_t env) { send_to_group(env, MGID + 1); });
-  EXPECT_NE(unmapped.note.find("fabric group " + std::to_string(MGID + 1) + " maps to no NPU"), std::string::npos)
+  const model::packet_outcome unmapped = receive([](env_t env) { send_to_group(env, FGID + 1); });
+  EXPECT_NE(unmapped.note.find("fabric group " + std::to_string(FGID + 1) + " maps to no NPU"), std::string::npos)
       << unmapped.note;
 
-  const model::packet_outcome o = receive([](env_t env) { send_to_group(env, MGID); });
+  const model::packet_outcome o = receive([](env_t env) { send_to_group(env, FGID); });
   ASSERT_EQ(o.sent.size(), 1u);
-  EXPECT_EQ(o.sent[0].port, MGID);
+  EXPECT_EQ(o.sent[0].port, FGID);
   EXPECT_EQ(o.note, "");
   for (std::uint32_t n = 0; n < NPUS; ++n) {
     const std::vector<model::packet_outcome> arrived = lc.harness().run(n);
-    const bool member = std::count(MGID_NPUS.begin(), MGID_NPUS.end(), n) != 0;
+    const bool member = std::count(FGID_NPUS.begin(), FGID_NPUS.end(), n) != 0;
     ASSERT_EQ(arrived.size(), member ? 1u : 0u) << "NPU " << n;
     if (!member) continue;
     EXPECT_EQ(arrived[0].placeholder, static_cast<std::int32_t>(UNBUILT_ipm4_egr));

@@ -11,12 +11,12 @@
 
 namespace {
 
-constexpr std::uint32_t MGID = 0x7FFFF;  // the highest group
+constexpr std::uint32_t FGID = 0xFFFFFF;  // the highest group
 const std::vector<std::uint32_t> MEMBERS = {2, 0};
 
 struct group_case {
   const char* what;
-  std::uint32_t mgid;
+  std::uint32_t fgid;
   std::vector<std::uint32_t> npus;
   ctrl::error expected;
 };
@@ -26,21 +26,21 @@ class FabricGroups : public ::testing::TestWithParam<group_case> {};
 
 TEST_P(FabricGroups, AcceptedCallsReplaceAndRefusedOnesChangeNothing) {
   testkit::npu_harness h(3);
-  ASSERT_EQ(ctrl::map_fabric_group(h.chassis(), MGID, MEMBERS), ctrl::error::none);
+  ASSERT_EQ(ctrl::map_fabric_group(h.chassis(), FGID, MEMBERS), ctrl::error::none);
   const group_case& c = GetParam();
-  EXPECT_EQ(ctrl::map_fabric_group(h.chassis(), c.mgid, c.npus), c.expected);
-  const bool replaced = c.expected == ctrl::error::none && c.mgid == MGID;
-  EXPECT_EQ(h.chassis().npus_of_group(MGID), replaced ? c.npus : MEMBERS);
+  EXPECT_EQ(ctrl::map_fabric_group(h.chassis(), c.fgid, c.npus), c.expected);
+  const bool replaced = c.expected == ctrl::error::none && c.fgid == FGID;
+  EXPECT_EQ(h.chassis().npus_of_group(FGID), replaced ? c.npus : MEMBERS);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Writer, FabricGroups,
-    ::testing::Values(group_case{"new members replace the old", MGID, {1}, ctrl::error::none},
+    ::testing::Values(group_case{"new members replace the old", FGID, {1}, ctrl::error::none},
                       group_case{"another group leaves this one", 5, {1, 2}, ctrl::error::none},
-                      group_case{"MGID beyond 19 bits", MGID + 1, {1}, ctrl::error::out_of_range},
-                      group_case{"NPU the chassis lacks", MGID, {1, 3}, ctrl::error::out_of_range},
-                      group_case{"no NPU", MGID, {}, ctrl::error::bad_size},
-                      group_case{"NPU named twice", MGID, {1, 2, 1}, ctrl::error::exists}),
+                      group_case{"FGID beyond 24 bits", FGID + 1, {1}, ctrl::error::out_of_range},
+                      group_case{"NPU the chassis lacks", FGID, {1, 3}, ctrl::error::out_of_range},
+                      group_case{"no NPU", FGID, {}, ctrl::error::bad_size},
+                      group_case{"NPU named twice", FGID, {1, 2, 1}, ctrl::error::exists}),
     testkit::described<group_case>);
 
 }  // namespace
