@@ -103,7 +103,8 @@ TEST_P(BadBundle, IsRefusedWithNothingWritten) {
 
 INSTANTIATE_TEST_SUITE_P(
     Inputs, BadBundle,
-    ::testing::Values(bad_bundle{"bundle_id_past_the_table", ctrl::BUNDLE_COUNT, bundle_of(2), ctrl::error::out_of_range},
+    ::testing::Values(bad_bundle{"bundle_id_past_the_table", ctrl::BUNDLE_COUNT, bundle_of(2),
+                                 ctrl::error::out_of_range},
                       bad_bundle{"no_members", BUNDLE, bundle_of(0), ctrl::error::bad_size},
                       bad_bundle{"more_members_than_a_block", BUNDLE, bundle_of(65), ctrl::error::bad_size},
                       bad_bundle{"vqi_past_the_fabric", BUNDLE, with_vqi(2048), ctrl::error::out_of_range}),
