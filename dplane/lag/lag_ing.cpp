@@ -6,8 +6,10 @@
 #include "dplane/lag/lag_hash.h"
 #include "platform/varn/fab_hdr_write.h"
 
+namespace {
 using info = lag_tbl_info_fields_st;
 using member = lag_mem_info_fields_st;
+}  // namespace
 
 func_rc_e lag_process_common_ing(env_t env, std::uint32_t lag_id, std::uint32_t lag_hash, std::uint32_t* vqi,
                                  std::uint8_t* lagm) {
