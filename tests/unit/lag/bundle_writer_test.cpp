@@ -72,11 +72,6 @@ TEST_F(BundleWriter, RemovesTheBundleAndItsMembersOnce) {
   EXPECT_EQ(ctrl::remove_bundle(h.npu(), ctrl::BUNDLE_COUNT), ctrl::error::out_of_range);
 }
 
-TEST_F(BundleWriter, TheLastBundleOfTheTable) {
-  add(ctrl::BUNDLE_COUNT - 1, bundle_of(1));
-  EXPECT_EQ(valid_members(ctrl::BUNDLE_COUNT - 1), 1u);
-}
-
 struct bad_bundle {
   const char* name;
   std::uint32_t bundle_id;

@@ -137,9 +137,10 @@ TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChain) {
   EXPECT_EQ(counter(LAG_ING_INVALID_DROP), 1u);
 }
 
+// The adjacency's first three bytes: the marks, then the port byte.
 struct marks_case {
   const char* name;
-  void (*mark)(adj_st& adj);
+  std::array<std::uint8_t, 3> bytes;
   boolean_t enabled;
   boolean_t only;
 };
@@ -149,7 +150,7 @@ class AdjacencyMarks : public Adjacency, public ::testing::WithParamInterface<ma
 TEST_P(AdjacencyMarks, TellABundleAndABundleAlone) {
   const marks_case& c = GetParam();
   adj_st adj{};
-  c.mark(adj);
+  std::copy(c.bytes.begin(), c.bytes.end(), adj.bytes);
   write_adjacency(adj);
   boolean_t enabled = 2;
   boolean_t only = 2;
@@ -162,39 +163,16 @@ TEST_P(AdjacencyMarks, TellABundleAndABundleAlone) {
   EXPECT_EQ(only, c.only);
 }
 
-void bundle(adj_st& a) { adj_st::rx_lag_adj::set(a, 1); }
-
+// Byte 0 from the top: remote_rack, iptunl_adj, pwhe, cgn_enabled, adj_down,
+// mgscp_en, rx_lag_hash_en, rx_lag_adj; byte 1: rx_adj_null0 ... sfi_vxlan.
 INSTANTIATE_TEST_SUITE_P(
     Marks, AdjacencyMarks,
-    ::testing::Values(marks_case{"bundle", bundle, TRUE, TRUE},
-                      marks_case{"bundle_with_its_hash_marks",
-                                 [](adj_st& a) {
-                                   bundle(a);
-                                   adj_st::mgscp_en::set(a, 1);
-                                   adj_st::rx_lag_hash_en::set(a, 1);
-                                 },
-                                 TRUE, TRUE},
-                      marks_case{"bundle_and_port_byte",
-                                 [](adj_st& a) {
-                                   bundle(a);
-                                   adj_st::hw_np_port::set(a, 0xFF);
-                                   adj_st::lag::lag_hash::set(a, 0xFF);
-                                 },
-                                 TRUE, TRUE},
-                      marks_case{"bundle_and_pwhe",
-                                 [](adj_st& a) {
-                                   bundle(a);
-                                   adj_st::pwhe::set(a, 1);
-                                 },
-                                 TRUE, FALSE},
-                      marks_case{"bundle_and_sfi",
-                                 [](adj_st& a) {
-                                   bundle(a);
-                                   adj_st::sfi_vxlan::set(a, 1);
-                                 },
-                                 TRUE, FALSE},
-                      marks_case{"hash_mark_alone", [](adj_st& a) { adj_st::mgscp_en::set(a, 1); }, FALSE, FALSE},
-                      marks_case{"no_marks", [](adj_st&) {}, FALSE, FALSE}),
+    ::testing::Values(marks_case{"bundle", {0x01, 0x00, 0x00}, TRUE, TRUE},
+                      marks_case{"bundle_with_its_hash_marks", {0x07, 0x00, 0x00}, TRUE, TRUE},
+                      marks_case{"bundle_and_port_byte", {0x01, 0x00, 0xFF}, TRUE, TRUE},
+                      marks_case{"bundle_and_pwhe", {0x21, 0x00, 0x00}, TRUE, FALSE},
+                      marks_case{"bundle_and_sfi", {0x01, 0x02, 0x00}, TRUE, FALSE},
+                      marks_case{"hash_mark_alone", {0x04, 0x00, 0x00}, FALSE, FALSE}),
     [](const ::testing::TestParamInfo<marks_case>& p) { return p.param.name; });
 
 }  // namespace

@@ -130,30 +130,34 @@ INSTANTIATE_TEST_SUITE_P(
                       selection_case{"sr_te_leaves_the_hash", 0x10, SR_TE, 2, 6}),
     [](const ::testing::TestParamInfo<selection_case>& p) { return p.param.name; });
 
-TEST_F(EgressChoice, AMemberPastTheListIsNotValid) {
+// What gives no member at egress.
+struct failure_case {
+  const char* name;
+  std::uint32_t members;  // 0: no bundle
+  bool local;
+  std::uint8_t header_lagm;
+  std::uint32_t drop;
+};
+
+class EgressFailure : public EgressChoice, public ::testing::WithParamInterface<failure_case> {};
+
+TEST_P(EgressFailure, ReportsItsDropCounter) {
+  const failure_case& c = GetParam();
   set_up_interface();
-  add(BUNDLE, bundle_of(3));
+  if (c.members > 0) add(BUNDLE, bundle_of(c.members, c.local));
   add(BUNDLE + 1, bundle_of(3));  // the next bundle's members stand behind this one's block
-  const outcome o = choose(0, 0, packet(5));
+  const outcome o = choose(0, 0, packet(c.header_lagm));
   EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-  EXPECT_EQ(o.drop, LAG_EGR_INVALID_DROP);
-  EXPECT_EQ(choose(0, 0, packet(63)).drop, LAG_EGR_INVALID_DROP);
+  EXPECT_EQ(o.drop, c.drop);
 }
 
-TEST_F(EgressChoice, ABundleThatIsNotValidHasNoMember) {
-  set_up_interface();
-  const outcome o = choose(0x10, 0, packet(0));
-  EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-  EXPECT_EQ(o.drop, LAG_EGR_INVALID_DROP);
-}
-
-TEST_F(EgressChoice, AMemberOnAnotherNpuIsLost) {
-  set_up_interface();
-  add(BUNDLE, bundle_of(3, false));
-  const outcome o = choose(0, 0, packet(1));
-  EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-  EXPECT_EQ(o.drop, LAG_EGR_NOT_LOCAL_DROP);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Failures, EgressFailure,
+    ::testing::Values(failure_case{"bundle_not_valid", 0, true, 1, LAG_EGR_INVALID_DROP},
+                      failure_case{"member_past_the_list", 3, true, 5, LAG_EGR_INVALID_DROP},
+                      failure_case{"last_member_number_past_the_list", 3, true, 63, LAG_EGR_INVALID_DROP},
+                      failure_case{"member_on_another_npu", 3, false, 1, LAG_EGR_NOT_LOCAL_DROP}),
+    [](const ::testing::TestParamInfo<failure_case>& p) { return p.param.name; });
 
 TEST_F(EgressChoice, ATruncatingBundleHashesTheLowByte) {
   set_up_interface();
@@ -162,37 +166,7 @@ TEST_F(EgressChoice, ATruncatingBundleHashesTheLowByte) {
   EXPECT_EQ(choose(0x00, 0, packet(8)).port, PORT_BASE + 8u);  // a member number is not truncated
 }
 
-TEST_F(EgressChoice, TheLastMemberOfAFullBundle) {
-  set_up_interface();
-  add(BUNDLE, bundle_of(64));
-  std::uint32_t drop = 0;
-  std::uint32_t port = 0;
-  run([&](env_t env) {
-    ASSERT_EQ(base_egr_lag_process(env, BUNDLE, 63, FALSE, &drop), LAG_EGR_PORT_SET);
-    port = *ps_get_egr_port_id(env);
-  });
-  EXPECT_EQ(port, PORT_BASE + 63u);
-}
-
-TEST_F(EgressChoice, TheEnabledTestsReadTheInterfacesBundleFlag) {
-  set_up_interface();
-  std::vector<boolean_t> got;
-  run([&](env_t env) {
-    lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
-    lookup_wait_ID_UIDB_L3_EGR__COMM(env);
-    got = {ipv4_egr_lag_enabled(env), ipv6_egr_lag_enabled(env), mpls_egr_lag_enabled(env)};
-  });
-  EXPECT_EQ(got, (std::vector<boolean_t>{TRUE, TRUE, TRUE}));
-  ctrl::write_records(h.npu(), UIDB, {}, ctrl::l3_interface{});
-  run([&](env_t env) {
-    lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
-    lookup_wait_ID_UIDB_L3_EGR__COMM(env);
-    got = {ipv4_egr_lag_enabled(env), ipv6_egr_lag_enabled(env), mpls_egr_lag_enabled(env)};
-  });
-  EXPECT_EQ(got, (std::vector<boolean_t>{FALSE, FALSE, FALSE}));
-}
-
-// ---- the drops of a failed choice, per egress path ----
+// ---- the drops of a failed choice, on paths of each family ----
 
 using lag_drop = func_rc_e (*)(env_t env, std::uint32_t drop_counter_index);
 
@@ -226,33 +200,12 @@ TEST_P(EgressDrop, CountsTheReasonAfterTheFlowExportOfItsPath) {
 INSTANTIATE_TEST_SUITE_P(
     Kinds, EgressDrop,
     ::testing::Values(drop_case{"ipv4", l3_egr_lag_drop_ipv4, UNBUILT_ipv4_egr_netflow_part_1},
-                      drop_case{"ipv6", l3_egr_lag_drop_ipv6, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"mpls", l3_egr_lag_drop_mpls, UNBUILT_mpls_egr_netflow_part_1},
                       drop_case{"ipm4", l3_egr_lag_drop_ipm4, UNBUILT_ipm4_egr_netflow_part_1},
-                      drop_case{"ipm6", l3_egr_lag_drop_ipm6, UNBUILT_ipm6_egr_netflow_part_1},
-                      drop_case{"p2mp", l3_egr_lag_drop_p2mp, -1},
-                      drop_case{"p2mp_vpls", l3_egr_lag_drop_p2mp_vpls, -1},
+                      drop_case{"mpls", l3_egr_lag_drop_mpls, UNBUILT_mpls_egr_netflow_part_1},
                       drop_case{"l2flood", l3_egr_lag_drop_l2flood, -1},
-                      drop_case{"injport", l3_egr_lag_drop_injport, -1},
-                      drop_case{"gre_v4_encap", l3_egr_lag_drop_gre_v4_encap, UNBUILT_ipv4_egr_netflow_part_1},
                       drop_case{"gre_v6_encap", l3_egr_lag_drop_gre_v6_encap, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"pwhe_encap", l3_egr_lag_drop_pwhe_encap, -1},
                       drop_case{"srv6_encap_v4", l3_egr_lag_drop_srv6_encap_v4, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"srv6_encap_v6", l3_egr_lag_drop_srv6_encap_v6, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"srv6_end_v4", l3_egr_lag_drop_srv6_end_v4, UNBUILT_ipv4_egr_netflow_part_1},
-                      drop_case{"srv6_end_v6", l3_egr_lag_drop_srv6_end_v6, UNBUILT_ipv6_egr_netflow_part_1}),
+                      drop_case{"srv6_end_v4", l3_egr_lag_drop_srv6_end_v4, UNBUILT_ipv4_egr_netflow_part_1}),
     [](const ::testing::TestParamInfo<drop_case>& p) { return p.param.name; });
-
-TEST_F(EgressChoice, ASampledPacketRecordsNoReasonOfItsOwn) {
-  set_up_interface();
-  std::uint8_t status = 0xFF;
-  run([&](env_t env) {
-    cf::nf_sampled::set(*ps_put_mod_common_flags(env), 1);
-    lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
-    l3_egr_lag_drop_ipv4(env, LAG_EGR_INVALID_DROP);
-    status = ps_get_nf_status(env)->bytes[3];
-  });
-  EXPECT_EQ(status, (NF_FWD_STATUS_DROP << 6) | NF_DROP_REASON_UNKNOWN);
-}
 
 }  // namespace
