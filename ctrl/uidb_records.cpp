@@ -63,6 +63,7 @@ uidb_l3_ing_fields_st l3_ingress(const l3_interface& c) {
   r::table_id::set(rec, c.vrf);
   r::uidb_ifhandle::set(rec, c.if_handle);
   r::stats_p::set(rec, c.ingress_stats);
+  if (c.bundle_id) r::bundle_int::set(rec, 1);
   return rec;
 }
 
@@ -86,6 +87,10 @@ uidb_l3_egr_fields_st l3_egress(const l3_interface& c, const interface_place& at
   r::global_int::set(rec, c.vrf == 0);
   r::fast_ext_req::set(rec, c.egress_fast_ext.has_value());
   set_egress_tags(rec, at.tags);
+  if (c.bundle_id) {
+    r::bundle_int::set(rec, 1);
+    r::out_if::lag_id::set(rec, *c.bundle_id);
+  }
   return rec;
 }
 

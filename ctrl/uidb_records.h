@@ -24,6 +24,9 @@ struct l3_interface {
   std::uint32_t ingress_stats = 0;  // stats_p of each direction, 24 bits
   std::uint32_t egress_stats = 0;
   std::uint16_t mtu = 1500;
+  // The bundle the interface is (ctrl/bundles.h): both records get
+  // bundle_int, and the egress record's output is the bundle, not the port.
+  std::optional<std::uint16_t> bundle_id;
   // Feature settings, as the records hold them. The fields above, the
   // coherency bits, the handle, the port and the tags are written over them;
   // an extension that is present sets its request bit.

@@ -12,3 +12,14 @@ inline constexpr boolean_t TRUE = 1;
 
 struct env_st;
 using env_t = env_st*;
+
+// What a function did with the packet: RC_SUCCESS lets the caller go on;
+// the others tell it that the packet is finished, or how it is to be.
+enum func_rc_e : std::uint32_t {
+  RC_SUCCESS = 0,
+  RC_PKT_DISPOSED = 1,
+  RC_PKT_PUNT = 2,
+  RC_PKT_DROP = 3,
+  RC_FAIL = 4,
+  RC_PKT_FWD_DONE = 5,
+};

@@ -14,14 +14,18 @@ struct counter_name {
 };
 
 // In ascending order of number.
-constexpr std::array<counter_name, 16> COUNTERS = {{
+constexpr std::array<counter_name, 20> COUNTERS = {{
     {0x60, "traced packet dropped on egress"},
     {0x64, "traced packet dropped on ingress"},
     {0x66, "fabric packet traced"},
     {0xB7, "record read through its shadow"},
+    {0xE2, "bundle member on another NPU"},
+    {0x11B, "MGSCP bundle hashed by the raw hash"},
     {0x190, "MPLS to a foreign MAC"},
     {0x20F, "host buffer during ISSU"},
     {0x220, "bad host inject"},
+    {0x22E, "egress bundle or member not valid"},
+    {0x240, "ingress bundle or member not valid"},
     {0x28F, "host buffer of unknown type"},
     {0x294, "fabric header type without a handler"},
     {0x295, "unknown ingress vector"},

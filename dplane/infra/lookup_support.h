@@ -14,6 +14,7 @@
 #include "npu/zephra/bitmap_lock.h"
 #include "npu/zephra/plu.h"
 #include "npu/zephra/stats.h"
+#include "npu/zephra/tlu.h"
 #include "tlu_defs.h"
 
 inline std::uint8_t* lookup_slot(env_t env, std::uint32_t loc) { return env_get_dmem_start(env) + loc; }

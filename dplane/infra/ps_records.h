@@ -387,8 +387,25 @@ using l2_learn_info_zp_st = be_opaque<32>;
 using eth_hdr_info_st = be_opaque<4>;
 using mvpn_decap_data = be_opaque<8>;
 using nsh_metadata = be_opaque<16>;
-using multipass_param_t = be_opaque<67>;
 using abf_ipv4_nh = be_opaque<4>;
 using abf_cmn_data = be_opaque<4>;
 using span_fwd_key_st = be_opaque<4>;
 using nsh_spisi = be_opaque<4>;
+
+// The parameters of a packet's next pass: the pass to run (2 bytes), the
+// saved fabric header fields (14), the pass's own union from byte 16, and the
+// tail's flow hash. Fields come with the passes that own them; the bundle
+// choice at egress reads use_lag_sel of the GRE encapsulation's.
+struct multipass_param_t {
+  std::uint8_t bytes[67];
+  struct u {
+    struct gre_encap {
+      struct egr {
+        struct flags {
+          using use_lag_sel = be_bits<16, 5, 1>;
+        };
+      };
+    };
+  };
+};
+static_assert(sizeof(multipass_param_t) == 67);

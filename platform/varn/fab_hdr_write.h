@@ -45,6 +45,8 @@ void plat_fab_hdr_write_ipv4_uni_lag(void* fab, std::uint32_t lag_id);
 void plat_fab_hdr_write_ipv6_uni_lag(void* fab, std::uint32_t lag_id);
 void plat_fab_hdr_write_mpls_uni_lag(void* fab, std::uint32_t lag_id);
 void plat_fab_hdr_write_l2_uni_lag(void* fab, std::uint32_t lag_id);
+// Any L3 unicast form: all hold the member in one byte (plat_get_l3_uni_lag_egr).
+void plat_fab_hdr_write_l3_uni_lag(void* fab, std::uint32_t lag_id);
 
 // Destination: a fabric port (VQI, 11 bits), or a multicast group (19-bit
 // MGID) and fabric group (24-bit FGID).

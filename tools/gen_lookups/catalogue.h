@@ -17,6 +17,7 @@ enum class form {
   none,
   read,                         // one-word template request: the address
   mod_read,                     // paged read of the record chosen by num mod denom
+  tlu_mod_read_paged,           // the same through the TLU's long command: the record alone
   glb_cnt,                      // global counter increment, then the monitor hook
   stats_add_inc,                // statistics pair: one packet, `count` bytes
   stats_add_inc_split,          // the same, the count stored earlier by lookup_alloc

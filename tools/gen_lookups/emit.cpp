@@ -51,6 +51,7 @@ class ops_writer {
     switch (l.code()) {
       case form::read: read_request(l); break;
       case form::mod_read: mod_request(l); break;
+      case form::tlu_mod_read_paged: tlu_mod_request(l); break;
       case form::glb_cnt: cell_request(l, "std::uint32_t stat_index", "stats_glb_cnt_request", "stat_index"); break;
       case form::stats_add_inc:
         cell_request(l, "std::uint32_t stat_index, std::uint32_t count", "stats_add_inc_request", "stat_index, count");
@@ -139,6 +140,16 @@ class ops_writer {
     note_request(l);
     out_ << "  lookup_mod_request(env, " << rtt(*l.eng) << ", lookup_mod_word(" << l.addr->tpd
          << ", record_index), num, denom, " << hex(l.slot) << ");\n}\n";
+  }
+
+  // The long command of resource 120: the four request words in the slot,
+  // the chosen record over them.
+  void tlu_mod_request(const lookup& l) {
+    out_ << "inline void lookup_request_" << id_
+         << "(env_t env, std::uint32_t record_index, std::uint32_t num, std::uint32_t denom) {\n";
+    note_request(l);
+    out_ << "  tlu_mod_read_16B_paging(env, record_index, " << l.addr->tpd << ", {denom, num}, {" << hex(l.slot)
+         << ", " << hex(l.slot) << ", TLU_CACHE_PERIODIC});\n}\n";
   }
 
   // The key is built in the slot, which is also the request cell.

@@ -78,6 +78,7 @@ std::optional<form> form_named(const std::string& s) {
   static const std::map<std::string, form> forms = {
       {"read", form::read},
       {"mod_read", form::mod_read},
+      {"tlu_mod_read_paged", form::tlu_mod_read_paged},
       {"glb_cnt", form::glb_cnt},
       {"stats_add_inc", form::stats_add_inc},
       {"stats_add_inc_split", form::stats_add_inc_split},

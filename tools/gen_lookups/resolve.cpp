@@ -21,7 +21,8 @@ struct form_rules {
 form_rules rules_of(form f) {
   switch (f) {
     case form::read: return {false, true, 0, true};
-    case form::mod_read: return {false, true, 16, true};
+    case form::mod_read:
+    case form::tlu_mod_read_paged: return {false, true, 16, true};
     case form::glb_cnt: return {true, false, 0, false};
     case form::stats_add_inc:
     case form::stats_add_inc_split:
@@ -39,10 +40,15 @@ form_rules rules_of(form f) {
   return {};
 }
 
+// The forms that read a table's record into the slot.
+bool is_record_read(form f) { return f == form::read || f == form::mod_read || f == form::tlu_mod_read_paged; }
+
 // A protected record is re-read as 32 bytes over its slot.
 constexpr std::uint32_t COHERENT_RECORD_BYTES = 32;
 // A modulus read answers with the remainder block in front of the record.
 constexpr std::uint32_t MOD_HEADER_BYTES = 16;
+// The TLU's paged modulus read answers with the chosen record alone.
+constexpr std::uint32_t TLU_MOD_RECORD_BYTES = 16;
 // Responses come in 8-byte units.
 constexpr std::uint32_t RESPONSE_UNIT = 8;
 
@@ -111,7 +117,7 @@ class row_checker {
     if (rules.table) find_table(r, code, l);
     if (!ok_) return false;
 
-    const bool coherent = (code == form::read || code == form::mod_read) && cat_.ids.protected_tables.count(base_);
+    const bool coherent = is_record_read(code) && cat_.ids.protected_tables.count(base_);
     l.is_protected = coherent;
     l.record_offset = code == form::mod_read ? MOD_HEADER_BYTES : 0;
     l.has_alloc = code == form::stats_add_inc_split || code == form::stats_uidb_add_inc_split;
@@ -188,8 +194,13 @@ class row_checker {
       return;
     }
     l.addr = &it->second;
-    if (code == form::mod_read && l.addr->kind != addr_kind::paged) {
+    const bool modulus = code == form::mod_read || code == form::tlu_mod_read_paged;
+    if (modulus && l.addr->kind != addr_kind::paged) {
       fail(r, "a read with modulus needs a paged table, and " + base_ + " is not one");
+    }
+    if (code == form::tlu_mod_read_paged && l.eng->response != TLU_MOD_RECORD_BYTES) {
+      fail(r, "the TLU's paged modulus read answers with the 16-byte record alone, and the engine says " +
+                  std::to_string(l.eng->response) + " bytes");
     }
   }
 

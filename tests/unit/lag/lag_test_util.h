@@ -1,0 +1,56 @@
+// Bundles on a harness NPU: bundles written through ctrl/bundles, program
+// code run on the NPU thread while it holds a packet, and the counters read
+// through the control side.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+#include "ctrl/bundles.h"
+#include "ctrl/counters.h"
+#include "dplane/infra/drop.h"
+#include "dplane/infra/ps.h"
+#include "tests/unit/pkt_buffer/test_handler.h"
+
+namespace lag_test {
+
+// Member i of a test bundle goes to VQI VQI_BASE + i and port PORT_BASE + i.
+inline constexpr std::uint32_t VQI_BASE = 0x500;
+inline constexpr std::uint16_t PORT_BASE = 100;
+
+inline ctrl::bundle bundle_of(std::uint32_t members, bool local = true, bool truncate_hash = false) {
+  ctrl::bundle b;
+  b.name_id = 0x77;
+  b.truncate_hash = truncate_hash;
+  for (std::uint32_t i = 0; i < members; ++i) {
+    b.members.push_back({VQI_BASE + i, static_cast<std::uint16_t>(PORT_BASE + i), local, false,
+                         static_cast<std::uint8_t>(i)});
+  }
+  return b;
+}
+
+class BundleTest : public ::testing::Test {
+ protected:
+  void add(std::uint32_t bundle_id, const ctrl::bundle& b) {
+    ASSERT_EQ(ctrl::write_bundle(h.npu(), bundle_id, b), ctrl::error::none);
+  }
+  // Runs body on the NPU thread with a packet of these bytes; a body that
+  // does not end the packet has it freed without a counter.
+  model::packet_outcome run(const std::function<void(env_t)>& body, std::vector<std::uint8_t> bytes = {}) {
+    pbt::install_test_handler(h, [body](env_t env) {
+      common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
+      body(env);
+      common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 0);
+      drop_packet_no_counter(env);
+    });
+    bytes.resize(std::max<std::size_t>(bytes.size(), 64));
+    return h.one(pbt::line_packet(), std::move(bytes));
+  }
+  std::uint64_t counter(std::uint32_t index) { return ctrl::read_global_counter(h.npu(), index); }
+
+  testkit::npu_harness h;
+};
+
+}  // namespace lag_test
