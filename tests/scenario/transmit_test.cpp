@@ -17,12 +17,12 @@
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/pkt_rx.h"
 #include "npu/zephra/xmit_fab.h"
-#include "pktlib/packet_builder.h"
 #include "pktlib/pcap_file.h"
 #include "platform/shared/unbuilt_handlers.h"
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "platform/varn/line_hdr.h"
+#include "testkit/fabric_path.h"
 #include "testkit/line_card.h"
 #include "testkit/tshark.h"
 #include "unit/pkt_buffer/test_handler.h"
@@ -31,9 +31,13 @@
 namespace {
 
 using bytes = std::vector<std::uint8_t>;
+using testkit::ETH_BYTES;
+using testkit::FAB_HDR_BYTES_UNI;
+using testkit::l3_len;
+using testkit::l3_start;
 using testkit::line_card;
-using testkit::PEER_MAC;
 using testkit::ROUTER_MAC;
+using testkit::udp_frame;
 
 constexpr std::uint32_t NPUS = 4;
 constexpr std::uint32_t IN_PORT = 1;
@@ -48,33 +52,10 @@ constexpr std::uint32_t MGID = 0x5A5A5;
 constexpr std::uint32_t OUT_QUEUE = 0x1234;
 constexpr std::uint32_t OUT_PORT = 9;       // where OUT_QUEUE leads
 constexpr std::uint32_t QSM_NP_PORT = 17;   // the NPU port of a send from the ingress buffer
-constexpr std::uint32_t ETH_BYTES = 14;
-constexpr std::uint32_t FAB_HDR_BYTES_UNI = nph_length_bytes(NPH_LENGTH_32);
 constexpr std::uint32_t FAB_HDR_BYTES_MC = nph_length_bytes(NPH_LENGTH_44);
 constexpr std::uint32_t IF_HANDLE = 0x101;
 constexpr std::uint32_t LINE_GATHER_REQ_LOC = 0x40;
 const pkt::mac_addr NEXT_HOP_MAC = {0x02, 0x00, 0x00, 0x00, 0x00, 0x42};
-
-// A UDP packet to the router from the station beside it.
-bytes udp_frame(std::size_t udp_payload) {
-  return pkt::builder()
-      .eth(PEER_MAC, ROUTER_MAC)
-      .ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("192.0.2.1"))
-      .udp(1000, 53)
-      .payload(udp_payload)
-      .build();
-}
-
-std::uint8_t* l3_start(env_t env) { return *ps_get_pkt_start(env) + ETH_BYTES; }
-std::uint32_t l3_len(env_t env) { return pkt_get_rx_packet_length(env) - ETH_BYTES; }
-
-// The body of the egress dispatch's IPv4 unicast entry, for the tests that
-// take a frame on from the fabric.
-std::function<void(env_t)>& egress_body() {
-  static std::function<void(env_t)> body;
-  return body;
-}
-void egress_handler(env_t env) { egress_body()(env); }
 
 class Transmit : public ::testing::Test {
  protected:
@@ -97,22 +78,14 @@ class Transmit : public ::testing::Test {
     return lc.receive(IN_PORT, udp_frame(udp_payload));
   }
 
-  void install_egress(std::function<void(env_t)> body) {
-    egress_body() = std::move(body);
-    lc.harness().on_thread(
-        [](env_t) { nph_ep.entry_point[nph_type_to_ep_table_index(NPH_TYPE_IPV4_UNI)] = &egress_handler; }, VQI_NPU);
-  }
-
   line_card lc{NPUS};
 };
 
 // The ingress side's unicast send of len bytes of the L3 packet.
 void prep_to_vqi(env_t env, std::uint32_t len) {
-  std::uint8_t* fab = l3_start(env) - FAB_HDR_BYTES_UNI;
-  plat_fab_hdr_prep_to_write(env, fab);
-  plat_fab_hdr_write_ipv4_uni_part_1(env, fab, 0, IF_HANDLE);
+  std::uint8_t* fab = testkit::write_ipv4_uni_header(env, IF_HANDLE);
   plat_fab_hdr_write_vqi_voq(fab, VQI);
-  npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES_UNI, l3_start(env), len, FLB_GATHER_REQ_LOC, FALSE);
+  testkit::prep_uni_send(env, fab, len);
 }
 
 void send_to_vqi(env_t env) {
@@ -261,7 +234,7 @@ TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
   EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), OUT_QUEUE, 0x1000), ctrl::error::out_of_range);
   // The egress side runs as each frame crosses: first to an unmapped queue.
   std::uint32_t queue = OUT_QUEUE + 1;
-  install_egress([&](env_t env) { send_to_queue(env, queue); });
+  testkit::install_ipv4_uni_egress(lc.harness(), [&](env_t env) { send_to_queue(env, queue); });
   receive(send_to_vqi);
   queue = OUT_QUEUE;
   receive(send_to_vqi);

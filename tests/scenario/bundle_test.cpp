@@ -1,0 +1,185 @@
+// A bundle across a chassis of three NPUs, written through the control side
+// on every NPU, whose members lie on NPUs 1 and 2. A UDP frame from a line
+// port of NPU 0 takes the member that its flow hash chooses at ingress, crosses
+// the fabric to the NPU of that member's VQI only, and there the member number
+// of its header gives the member's port. A member that changed owner while
+// the frame crossed, and a bundle gone at ingress, end in their drop counters.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+#include "ctrl/bundles.h"
+#include "ctrl/counters.h"
+#include "ctrl/fabric.h"
+#include "dplane/infra/drop.h"
+#include "dplane/lag/lag_egr.h"
+#include "dplane/lag/lag_ing.h"
+#include "npu/zephra/xmit_fab.h"
+#include "platform/varn/fab_hdr.h"
+#include "platform/varn/fab_hdr_access.h"
+#include "testkit/bundles.h"
+#include "testkit/fabric_path.h"
+#include "testkit/line_card.h"
+#include "unit/pkt_buffer/test_handler.h"
+
+namespace {
+
+using testkit::line_card;
+using testkit::PORT_BASE;
+using testkit::VQI_BASE;
+
+constexpr std::uint32_t NPUS = 3;
+constexpr std::uint32_t IN_PORT = 1;
+constexpr std::uint32_t IF_HANDLE = 0x101;
+constexpr std::uint32_t BUNDLE = 21;
+constexpr std::uint32_t NOT_SEEN = ~0u;
+// The NPU that owns each member's port: members 0 and 2 on NPU 1, 1, 3 and 4
+// on NPU 2. Member i goes to VQI VQI_BASE + i and port PORT_BASE + i.
+const std::vector<std::uint32_t> OWNERS = {1, 2, 1, 2, 2};
+
+// The bundle as NPU n holds it: only the members it owns are local.
+ctrl::bundle bundle_held_by(std::uint32_t n, const std::vector<std::uint32_t>& owners) {
+  ctrl::bundle b = testkit::bundle_of(static_cast<std::uint32_t>(owners.size()), false);
+  for (std::size_t i = 0; i < owners.size(); ++i) b.members[i].local = owners[i] == n;
+  return b;
+}
+
+// What the egress side read and chose.
+struct egress_view {
+  std::uint32_t lagm = NOT_SEEN;
+  lag_egr_result_e result = LAG_EGR_NO_MEMBER;
+  std::uint32_t port = NOT_SEEN;
+  std::uint32_t drop = 0;
+};
+
+class BundleAcrossFabric : public ::testing::Test {
+ protected:
+  BundleAcrossFabric() {
+    lc.add_port(IN_PORT);
+    EXPECT_EQ(lc.ifs().add_physical_port(IN_PORT, line_card::routed(IF_HANDLE, true, false, false)).err,
+              ctrl::error::none);
+    for (std::uint32_t n = 0; n < NPUS; ++n) write_bundle(n, OWNERS);
+    for (std::uint32_t i = 0; i < OWNERS.size(); ++i) {
+      EXPECT_EQ(ctrl::map_vqi(lc.harness().chassis(), VQI_BASE + i, OWNERS[i]), ctrl::error::none);
+    }
+    testkit::install_ipv4_uni_egress(lc.harness(), [this](env_t env) { egress(env); });
+  }
+
+  model::npu& npu(std::uint32_t n) { return lc.harness().npu(n); }
+
+  void write_bundle(std::uint32_t n, const std::vector<std::uint32_t>& owners) {
+    EXPECT_EQ(ctrl::write_bundle(npu(n), BUNDLE, bundle_held_by(n, owners)), ctrl::error::none);
+  }
+
+  // The egress side: the header's member turned into this NPU's port. The
+  // send to that port comes with the IPv4 egress path; a member that is not
+  // this NPU's drops with the counter the choice gave.
+  void egress(env_t env) {
+    seen.lagm = plat_get_l3_uni_lag_egr(plat_fab_hdr_of(env));
+    seen.result = base_egr_lag_process(env, BUNDLE, seen.lagm, FALSE, &seen.drop);
+    if (seen.result != LAG_EGR_PORT_SET) {
+      drop_packet(env, seen.drop);
+      return;
+    }
+    seen.port = *ps_get_egr_port_id(env);
+    drop_packet_no_counter(env);
+  }
+
+  // A UDP frame from IN_PORT whose flow hash is raw_hash. The ingress side
+  // chooses the member into the unicast header and sends; `in_flight` runs
+  // after the choice, before the send.
+  model::packet_outcome receive(std::uint32_t raw_hash, std::function<void()> in_flight = [] {}) {
+    pbt::install_test_handler(lc.harness(), [raw_hash, in_flight](env_t env) {
+      std::uint8_t* fab = testkit::write_ipv4_uni_header(env, IF_HANDLE);
+      if (lag_process_l3_ing(env, fab, BUNDLE, raw_hash) != RC_SUCCESS) return;
+      in_flight();
+      testkit::prep_uni_send(env, fab, testkit::l3_len(env));
+      npu_pkt_tx_request_ing(env);
+    });
+    return lc.receive(IN_PORT, testkit::udp_frame(8));
+  }
+
+  // How many frames each NPU took from the fabric.
+  std::vector<std::size_t> arrivals() {
+    std::vector<std::size_t> counts;
+    for (std::uint32_t n = 0; n < NPUS; ++n) counts.push_back(lc.harness().run(n).size());
+    return counts;
+  }
+
+  line_card lc{NPUS};
+  egress_view seen;
+};
+
+// A flow hash and the member that its bundle bits (bits 27..24 and the low
+// byte) modulo 5 choose.
+struct flow {
+  const char* name;
+  std::uint32_t raw_hash;
+  std::uint32_t member;
+};
+
+class Flows : public BundleAcrossFabric, public ::testing::WithParamInterface<flow> {};
+
+TEST_P(Flows, CrossToTheNpuOfTheirMemberAndTakeItsPort) {
+  const flow& f = GetParam();
+  const std::uint32_t vqi = VQI_BASE + f.member;
+  const model::packet_outcome o = receive(f.raw_hash);
+  ASSERT_EQ(o.sent.size(), 1u) << o.note;
+  EXPECT_EQ(o.sent[0].to, model::frame_destination::fabric);
+  EXPECT_EQ(o.sent[0].port, vqi);
+  const std::uint8_t* hdr = o.sent[0].bytes.data();
+  EXPECT_EQ(plat_get_l3_uni_lag_egr(hdr), f.member);
+  EXPECT_EQ(dc3_nph_st::dc3_fgid_or_sfp::get(*reinterpret_cast<const dc3_nph_st*>(hdr)), vqi);
+
+  std::vector<std::size_t> expected(NPUS, 0);
+  expected[OWNERS[f.member]] = 1;
+  EXPECT_EQ(arrivals(), expected);
+  EXPECT_EQ(seen.lagm, f.member);
+  EXPECT_EQ(seen.result, LAG_EGR_PORT_SET);
+  EXPECT_EQ(seen.port, PORT_BASE + f.member);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Hashes, Flows,
+    ::testing::Values(flow{"zero_member_0", 0x00000000, 0},
+                      flow{"bits_0xBCD_member_1", 0xFB1234CD, 1},   // 3021 mod 5
+                      flow{"bits_0x007_member_2", 0x00000007, 2},
+                      flow{"bits_0xA03_member_3", 0x0A000003, 3},   // 2563 mod 5
+                      flow{"bits_0x004_member_4", 0x40FFFF04, 4},   // the other bits count for nothing
+                      flow{"bits_0xFFF_member_0", 0x0F0000FF, 0}),  // 4095 mod 5
+    [](const ::testing::TestParamInfo<flow>& p) { return p.param.name; });
+
+// Member 3 moves from NPU 2 to NPU 1 while the frame crosses: NPU 2's copy is
+// rewritten after ingress chose the member. The frame still reaches NPU 2,
+// whose check of the member's owner drops it.
+TEST_F(BundleAcrossFabric, AMemberThatChangedOwnerInFlightDropsAt0xE2) {
+  std::vector<std::uint32_t> moved = OWNERS;
+  moved[3] = 1;
+  const model::packet_outcome o = receive(0x0A000003, [&] { write_bundle(2, moved); });
+  ASSERT_EQ(o.sent.size(), 1u) << o.note;
+  EXPECT_EQ(o.sent[0].port, VQI_BASE + 3);
+
+  const std::vector<model::packet_outcome> at_owner = lc.harness().run(2);
+  ASSERT_EQ(at_owner.size(), 1u);
+  EXPECT_EQ(at_owner[0].global_counters, (std::vector<std::uint32_t>{LAG_EGR_NOT_LOCAL_DROP}));
+  EXPECT_EQ(ctrl::read_global_counter(npu(2), LAG_EGR_NOT_LOCAL_DROP), 1u);
+  EXPECT_EQ(seen.lagm, 3u);
+  EXPECT_EQ(seen.result, LAG_EGR_NO_MEMBER);
+  EXPECT_EQ(seen.port, NOT_SEEN);
+  EXPECT_EQ(arrivals(), (std::vector<std::size_t>{0, 0, 0}));
+}
+
+// The bundle is removed on the ingress NPU, while the egress NPUs still hold
+// it: ingress drops, and nothing reaches the fabric.
+TEST_F(BundleAcrossFabric, ABundleGoneAtIngressDropsAt0x240AndSendsNothing) {
+  ASSERT_EQ(ctrl::remove_bundle(npu(0), BUNDLE), ctrl::error::none);
+  const model::packet_outcome o = receive(0xFB1234CD);
+  EXPECT_TRUE(o.sent.empty());
+  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{LAG_ING_INVALID_DROP}));
+  EXPECT_EQ(ctrl::read_global_counter(npu(0), LAG_ING_INVALID_DROP), 1u);
+  EXPECT_EQ(arrivals(), (std::vector<std::size_t>{0, 0, 0}));
+  EXPECT_EQ(seen.lagm, NOT_SEEN);
+}
+
+}  // namespace
