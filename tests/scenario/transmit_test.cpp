@@ -25,7 +25,7 @@
 #include "testkit/fabric_path.h"
 #include "testkit/line_card.h"
 #include "testkit/tshark.h"
-#include "unit/pkt_buffer/test_handler.h"
+#include "testkit/test_handler.h"
 #include "unit/pktlib/scratch_dir.h"
 
 namespace {
@@ -74,7 +74,7 @@ class Transmit : public ::testing::Test {
   // A UDP frame from IN_PORT, through the parser to the IPv4 fast path,
   // whose place `ingress` takes.
   model::packet_outcome receive(std::function<void(env_t)> ingress, std::size_t udp_payload = 8) {
-    pbt::install_test_handler(lc.harness(), std::move(ingress));
+    testkit::install_test_handler(lc.harness(), std::move(ingress));
     return lc.receive(IN_PORT, udp_frame(udp_payload));
   }
 

@@ -13,7 +13,7 @@
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "platform/varn/fab_hdr_write.h"
-#include "tests/unit/pkt_buffer/test_handler.h"
+#include "testkit/test_handler.h"
 
 namespace fabric_test {
 
@@ -43,8 +43,8 @@ class FabricFixture : public ::testing::Test {
 
   // Sends one line packet with a payload of len bytes through body on NPU 0.
   model::packet_outcome send_through(std::uint32_t len, std::function<void(env_t)> body) {
-    pbt::install_test_handler(h, std::move(body));
-    h.send(pbt::line_packet(7).set<dist_hdr_line_st::pktlen>(len), payload_of(len));
+    testkit::install_test_handler(h, std::move(body));
+    h.send(testkit::line_packet(7).set<dist_hdr_line_st::pktlen>(len), payload_of(len));
     const auto out = h.run(0);
     EXPECT_EQ(out.size(), 1u);
     return out.empty() ? model::packet_outcome{} : out[0];

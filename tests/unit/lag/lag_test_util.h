@@ -12,7 +12,7 @@
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
 #include "testkit/bundles.h"
-#include "tests/unit/pkt_buffer/test_handler.h"
+#include "testkit/test_handler.h"
 
 namespace lag_test {
 
@@ -28,14 +28,14 @@ class BundleTest : public ::testing::Test {
   // Runs body on the NPU thread with a packet of these bytes; a body that
   // does not end the packet has it freed without a counter.
   model::packet_outcome run(const std::function<void(env_t)>& body, std::vector<std::uint8_t> bytes = {}) {
-    pbt::install_test_handler(h, [body](env_t env) {
+    testkit::install_test_handler(h, [body](env_t env) {
       common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
       body(env);
       common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 0);
       drop_packet_no_counter(env);
     });
     bytes.resize(std::max<std::size_t>(bytes.size(), 64));
-    return h.one(pbt::line_packet(), std::move(bytes));
+    return h.one(testkit::line_packet(), std::move(bytes));
   }
   std::uint64_t counter(std::uint32_t index) { return ctrl::read_global_counter(h.npu(), index); }
 

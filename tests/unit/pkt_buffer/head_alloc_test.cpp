@@ -7,7 +7,7 @@
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
 #include "npu/zephra/pkt_mem_alloc.h"
-#include "test_handler.h"
+#include "testkit/test_handler.h"
 
 namespace {
 
@@ -103,14 +103,14 @@ TEST_P(FeatureAreas, AreaOrDropAtTheLimits) {
     std::int32_t area = 1;
     std::uint32_t blocks = 0;
   } s;
-  pbt::install_test_handler(h, [&](env_t env) {
+  testkit::install_test_handler(h, [&](env_t env) {
     unsigned char* area = packet_mem_alloc(env, c.feature, c.size);
     if (!area) return;  // the allocator dropped the packet
     s.blocks = blocks(env);
     s.area = static_cast<std::int32_t>(area - *ps_get_pkt_mem_start(env));
     drop_packet_no_counter(env);
   });
-  const model::packet_outcome o = h.one(pbt::line_packet());
+  const model::packet_outcome o = h.one(testkit::line_packet());
   EXPECT_EQ(o.end, model::packet_end::freed);
   EXPECT_EQ(o.global_counters, c.drops);
   EXPECT_EQ(s.area, c.area);

@@ -100,8 +100,8 @@ TEST(BitmapLocks, NineLocksAreTheMostAThreadHolds) {
 model::packet_outcome packet_through(const std::function<void(env_t)>& body) {
   testkit::npu_harness h;
   take_in_memory(h, LOCK_BITMAP_MAC, 9);
-  pbt::install_test_handler(h, body);
-  return h.one(pbt::line_packet());
+  testkit::install_test_handler(h, body);
+  return h.one(testkit::line_packet());
 }
 
 struct limit_breach {

@@ -52,14 +52,14 @@ std::vector<std::uint64_t> departure_order(testkit::npu_harness& h) {
 TEST(FlowOrder, PacketsOfOneLockLeaveInArrivalOrder) {
   testkit::npu_harness h(1, 2);
   std::latch first_may_end(1);
-  pbt::install_test_handler(h, [&](env_t env) {
+  testkit::install_test_handler(h, [&](env_t env) {
     convert_to(env, 800);
     if (flow_of(env) == 1) first_may_end.wait();
     if (flow_of(env) == 2) first_may_end.count_down();  // and leaves only behind the first
     drop_packet_no_counter(env);
   });
-  h.send(pbt::line_packet(), packet_payload(1, 0));
-  h.send(pbt::line_packet(), packet_payload(2, 0));
+  h.send(testkit::line_packet(), packet_payload(1, 0));
+  h.send(testkit::line_packet(), packet_payload(2, 0));
   EXPECT_EQ(departure_order(h), (std::vector<std::uint64_t>{1, 2}));
 }
 
@@ -68,7 +68,7 @@ TEST(FlowOrder, PacketsOfOneLockLeaveInArrivalOrder) {
 TEST(FlowOrder, PacketsOfDifferentLocksDoNotWaitForEachOther) {
   testkit::npu_harness h(1, 2);
   std::latch first_may_end(1);
-  pbt::install_test_handler(h, [&](env_t env) {
+  testkit::install_test_handler(h, [&](env_t env) {
     switch (flow_of(env)) {
       case 1:
         convert_to(env, 800);
@@ -79,7 +79,7 @@ TEST(FlowOrder, PacketsOfDifferentLocksDoNotWaitForEachOther) {
     }
     drop_packet_no_counter(env);
   });
-  for (std::uint16_t role = 1; role <= 3; ++role) h.send(pbt::line_packet(), packet_payload(role, 0));
+  for (std::uint16_t role = 1; role <= 3; ++role) h.send(testkit::line_packet(), packet_payload(role, 0));
   const std::vector<std::uint64_t> order = departure_order(h);
   ASSERT_EQ(order.size(), 3u);
   EXPECT_EQ(order[0], 2u);  // the first and the third then race: neither holds the other's lock
@@ -98,7 +98,7 @@ TEST(FlowOrder, ManyThreadsAndFlowsKeepEveryFlowInOrder) {
   auto converts_by_kept_drop = [](std::uint16_t flow) { return flow % 3 == 0; };
 
   testkit::npu_harness h(1, THREADS);
-  pbt::install_test_handler(h, [&](env_t env) {
+  testkit::install_test_handler(h, [&](env_t env) {
     const std::uint16_t flow = flow_of(env);
     busy(env, work_of(env));
     if (!stays_in_arrival_lock(flow)) {
@@ -120,7 +120,7 @@ TEST(FlowOrder, ManyThreadsAndFlowsKeepEveryFlowInOrder) {
   for (std::uint32_t i = 0; i < PACKETS; ++i) {
     const auto flow = static_cast<std::uint16_t>(random() % FLOWS);
     const auto work = static_cast<std::uint16_t>(random() % 3000);
-    flow_of_seq[h.send(pbt::line_packet(), packet_payload(flow, work))] = flow;
+    flow_of_seq[h.send(testkit::line_packet(), packet_payload(flow, work))] = flow;
   }
   h.chassis().run_until_idle();
   const std::vector<model::packet_outcome> out = h.npu().take_outcomes();

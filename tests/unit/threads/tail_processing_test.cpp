@@ -149,11 +149,11 @@ class TailRun : public ::testing::Test {
 };
 
 TEST_F(TailRun, NothingOwedNothingRuns) {
-  pbt::install_test_handler(h, [](env_t env) {
+  testkit::install_test_handler(h, [](env_t env) {
     tail_processing_ipv4_ing(env);
     drop_packet(env, 0x123);
   });
-  const model::packet_outcome o = h.one(pbt::line_packet());
+  const model::packet_outcome o = h.one(testkit::line_packet());
   EXPECT_EQ(o.placeholder, -1);
   EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{0x123}));
 }
@@ -178,11 +178,11 @@ TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     testkit::npu_harness fresh;  // counts of each function from zero
-    pbt::install_test_handler(fresh, [&](env_t env) {
+    testkit::install_test_handler(fresh, [&](env_t env) {
       enable_tail_processing(env, FLOWHASH, static_cast<tail_proc_func_e>(r.funcs));
       r.tail(env);
     });
-    const model::packet_outcome o = fresh.one(pbt::line_packet());
+    const model::packet_outcome o = fresh.one(testkit::line_packet());
     EXPECT_EQ(o.end, model::packet_end::freed);
     EXPECT_EQ(o.placeholder, static_cast<std::int32_t>(r.order.back())) << "the last function ends the packet";
     for (unbuilt_handler_e f : r.order) EXPECT_EQ(tt::reached_count(fresh, f), 1u) << unbuilt_handler_name(f);
@@ -190,11 +190,11 @@ TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
 }
 
 TEST_F(TailRun, AFunctionWithoutAFormOnThePathLeavesTheBufferToTheEpilog) {
-  pbt::install_test_handler(h, [](env_t env) {
+  testkit::install_test_handler(h, [](env_t env) {
     enable_tail_processing(env, FLOWHASH, tail_proc_li_rep__l3);  // no L2 form
     tail_processing_vpls_ing(env);
   });
-  const model::packet_outcome o = h.one(pbt::line_packet());
+  const model::packet_outcome o = h.one(testkit::line_packet());
   EXPECT_EQ(o.end, model::packet_end::freed);
   EXPECT_EQ(o.placeholder, -1);
   EXPECT_TRUE(o.global_counters.empty());
@@ -202,7 +202,7 @@ TEST_F(TailRun, AFunctionWithoutAFormOnThePathLeavesTheBufferToTheEpilog) {
 
 TEST_F(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer) {
   tail_state after_tail{};
-  pbt::install_test_handler(h, [&](env_t env) {
+  testkit::install_test_handler(h, [&](env_t env) {
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
     *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
     enable_tail_processing(env, FLOWHASH, tail_proc_span);
@@ -211,7 +211,7 @@ TEST_F(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer)
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 0);  // the loop's last copy
     drop_packet(env, 0x124);
   });
-  const model::packet_outcome o = h.one(pbt::line_packet());
+  const model::packet_outcome o = h.one(testkit::line_packet());
   EXPECT_EQ(after_tail, (tail_state{0, 1, LOOP_LOCK, LOOP_LOCK}));
   EXPECT_EQ(o.placeholder, static_cast<std::int32_t>(UNBUILT_span_process_ing));
   EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{0x124}));

@@ -9,7 +9,7 @@
 
 #include "dplane/infra/ps.h"
 #include "platform/shared/unbuilt_handlers.h"
-#include "tests/unit/pkt_buffer/test_handler.h"
+#include "testkit/test_handler.h"
 
 namespace tt {
 

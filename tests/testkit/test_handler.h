@@ -8,7 +8,7 @@
 #include "platform/varn/entry_points.h"
 #include "testkit/npu_harness.h"
 
-namespace pbt {
+namespace testkit {
 
 inline std::function<void(env_t)>& test_body() {
   static std::function<void(env_t)> body;
@@ -19,14 +19,14 @@ inline void test_handler(env_t env, boolean_t) { test_body()(env); }
 
 // Puts the test handler at vector 0 of NPU 0's threads (the table is shared
 // by all threads and filled when they start).
-inline void install_test_handler(testkit::npu_harness& h, std::function<void(env_t)> body) {
+inline void install_test_handler(npu_harness& h, std::function<void(env_t)> body) {
   test_body() = std::move(body);
   h.on_thread([](env_t) { ing_ep.entry_point[0] = &test_handler; });
 }
 
 // A line packet of the ingress buffer with a valid vector 0 and this handle.
-inline testkit::dist_hdr line_packet(std::uint32_t handle = 1) {
-  return testkit::dist_hdr::line(0).set<dist_hdr_line_st::gpm_pkt_handle>(handle).set<dist_hdr_line_st::pktlen>(64);
+inline dist_hdr line_packet(std::uint32_t handle = 1) {
+  return dist_hdr::line(0).set<dist_hdr_line_st::gpm_pkt_handle>(handle).set<dist_hdr_line_st::pktlen>(64);
 }
 
-}  // namespace pbt
+}  // namespace testkit
