@@ -155,11 +155,25 @@ struct lagm_byte {
   using lag_id = be_bits<Byte, 2, 6>;
 };
 
+// What every L3 unicast form (IP, MPLS and both next-hop index forms) holds
+// in the same place: the bundle member and the input interface.
+struct l3_uni_common_fields : dc3_nph_fields {
+  using lagm = lagm_byte<14>;
+  using input_if_handle = be_bits<16, 0, 32>;
+};
+
+// The IP and MPLS unicast forms also carry the flow hash and the members
+// chosen at each level.
+struct l3_uni_hashed_fields : l3_uni_common_fields {
+  using raw_hash = be_bits<24, 0, 32>;
+  using nrldim = member_byte<28>;
+  using rldim = member_byte<30>;
+};
+
 // Unicast IP, varn_ip_uni_ext_part1..3 (types 1, 3, and the base of 19, 23,
 // 32, 34).
-struct varn_ip_uni_ext_fields : dc3_nph_fields {
+struct varn_ip_uni_ext_fields : l3_uni_hashed_fields {
   using vrf = le_bytes<12, 2>;
-  using lagm = lagm_byte<14>;
   struct flags {
     using reserved1 = be_bits<15, 0, 1>;
     using ts = be_bits<15, 1, 1>;
@@ -167,11 +181,7 @@ struct varn_ip_uni_ext_fields : dc3_nph_fields {
     using reserved3 = be_bits<15, 4, 3>;
     using hop_count = be_bits<15, 7, 1>;
   };
-  using input_if_handle = be_bits<16, 0, 32>;
-  using raw_hash = be_bits<24, 0, 32>;
   using ts_off = be_bits<27, 0, 8>;  // with flags.ts: the last byte of raw_hash
-  using nrldim = member_byte<28>;
-  using rldim = member_byte<30>;
 };
 
 struct varn_dc3_nph_ip_uni_st : varn_ip_uni_ext_fields {
@@ -180,9 +190,8 @@ struct varn_dc3_nph_ip_uni_st : varn_ip_uni_ext_fields {
 static_assert(sizeof(varn_dc3_nph_ip_uni_st) == 32);
 
 // MPLS unicast, varn_mpls_ext_part1..3 (types 5 and 33).
-struct varn_mpls_ext_fields : dc3_nph_fields {
+struct varn_mpls_ext_fields : l3_uni_hashed_fields {
   using pad_zero = be_bits<12, 0, 16>;
-  using lagm = lagm_byte<14>;
   struct flags {
     using reserved1 = be_bits<15, 0, 2>;
     using fab_reserved = be_bits<15, 2, 2>;
@@ -191,10 +200,6 @@ struct varn_mpls_ext_fields : dc3_nph_fields {
     using md = be_bits<15, 6, 1>;
     using hop_count = be_bits<15, 7, 1>;
   };
-  using input_if_handle = be_bits<16, 0, 32>;
-  using raw_hash = be_bits<24, 0, 32>;
-  using nrldim = member_byte<28>;
-  using rldim = member_byte<30>;
 };
 
 struct varn_dc3_nph_mpls_uni_st : varn_mpls_ext_fields {
@@ -203,10 +208,9 @@ struct varn_dc3_nph_mpls_uni_st : varn_mpls_ext_fields {
 static_assert(sizeof(varn_dc3_nph_mpls_uni_st) == 32);
 
 // IP to next-hop index, varn_ip_nhindex_ext_part1..3 (type 35).
-struct varn_dc3_nph_ip_nhindex_st : dc3_nph_fields {
+struct varn_dc3_nph_ip_nhindex_st : l3_uni_common_fields {
   std::uint8_t bytes[32];
   using vrf = le_bytes<12, 2>;
-  using lagm = lagm_byte<14>;
   struct flags {
     using v6 = be_bits<15, 0, 1>;
     using reserved2 = be_bits<15, 1, 1>;
@@ -214,7 +218,6 @@ struct varn_dc3_nph_ip_nhindex_st : dc3_nph_fields {
     using reserved3 = be_bits<15, 4, 3>;
     using hop_count = be_bits<15, 7, 1>;
   };
-  using input_if_handle = be_bits<16, 0, 32>;
   struct nhid_hash {
     struct fields {
       using nhindex = le_bytes<24, 3>;
@@ -227,11 +230,10 @@ struct varn_dc3_nph_ip_nhindex_st : dc3_nph_fields {
 static_assert(sizeof(varn_dc3_nph_ip_nhindex_st) == 32);
 
 // MPLS to next-hop index, varn_mpls_nhindex_ext_part1..3 (type 36).
-struct varn_dc3_nph_mpls_nhindex_st : dc3_nph_fields {
+struct varn_dc3_nph_mpls_nhindex_st : l3_uni_common_fields {
   std::uint8_t bytes[32];
   using raw_hash = be_bits<12, 0, 8>;  // bits 29..22 of the hash
   using pad = be_bits<13, 0, 8>;
-  using lagm = lagm_byte<14>;
   struct flags {
     using reserved1 = be_bits<15, 0, 2>;
     using fab_reserved = be_bits<15, 2, 2>;
@@ -240,7 +242,6 @@ struct varn_dc3_nph_mpls_nhindex_st : dc3_nph_fields {
     using md = be_bits<15, 6, 1>;
     using hop_count = be_bits<15, 7, 1>;
   };
-  using input_if_handle = be_bits<16, 0, 32>;
   using nhindex = le_bytes<24, 3>;
   using out_label_msb = be_bits<27, 0, 16>;
   using out_label_lsb = be_bits<30, 0, 8>;

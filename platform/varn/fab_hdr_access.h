@@ -148,15 +148,10 @@ inline std::uint32_t plat_get_ipv4_uni_lag_egr(const void* fab) { return plat_ge
 inline std::uint32_t plat_get_ipv6_uni_lag_egr(const void* fab) { return plat_get_fab_hdr_ipv6_uni_lag_id(fab); }
 inline std::uint32_t plat_get_mpls_uni_lag_egr(const void* fab) { return plat_get_fab_hdr_mpls_lag_id(fab); }
 inline std::uint32_t plat_get_l2_uni_lag_egr(const void* fab) { return plat_get_fab_hdr_l2_uni_lag_id(fab); }
-// Every L3 unicast form (IP, MPLS and both next-hop index forms) holds its
-// bundle member in the same byte, so bundle code serves them all with one
-// accessor.
-static_assert(varn_mpls_ext_fields::lagm::lag_id::first_byte == varn_ip_uni_ext_fields::lagm::lag_id::first_byte &&
-              varn_dc3_nph_ip_nhindex_st::lagm::lag_id::first_byte ==
-                  varn_ip_uni_ext_fields::lagm::lag_id::first_byte &&
-              varn_dc3_nph_mpls_nhindex_st::lagm::lag_id::first_byte ==
-                  varn_ip_uni_ext_fields::lagm::lag_id::first_byte);
-inline std::uint32_t plat_get_l3_uni_lag_egr(const void* fab) { return plat_get_fab_hdr_ipv4_uni_lag_id(fab); }
+// The bundle member of any L3 unicast form, which all hold it in one place.
+inline std::uint32_t plat_get_l3_uni_lag_egr(const void* fab) {
+  return l3_uni_common_fields::lagm::lag_id::get_raw(static_cast<const std::uint8_t*>(fab));
+}
 inline std::uint32_t plat_get_pwhe_encap_uni_lag_egr(const void* fab) {
   return plat_get_fab_hdr_ip_uni_ext_pwhe_lag_id(fab);
 }

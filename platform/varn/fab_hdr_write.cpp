@@ -151,7 +151,9 @@ void plat_fab_hdr_write_ipv4_uni_lag(void* fab, std::uint32_t lag_id) { plat_set
 void plat_fab_hdr_write_ipv6_uni_lag(void* fab, std::uint32_t lag_id) { plat_set_fab_hdr_ipv6_uni_lag_id(fab, lag_id); }
 void plat_fab_hdr_write_mpls_uni_lag(void* fab, std::uint32_t lag_id) { plat_set_fab_hdr_mpls_lag_id(fab, lag_id); }
 void plat_fab_hdr_write_l2_uni_lag(void* fab, std::uint32_t lag_id) { plat_set_fab_hdr_l2_uni_lag_id(fab, lag_id); }
-void plat_fab_hdr_write_l3_uni_lag(void* fab, std::uint32_t lag_id) { plat_fab_hdr_write_ipv4_uni_lag(fab, lag_id); }
+void plat_fab_hdr_write_l3_uni_lag(void* fab, std::uint32_t lag_id) {
+  l3_uni_common_fields::lagm::lag_id::set_raw(static_cast<std::uint8_t*>(fab), lag_id);
+}
 
 void plat_fab_hdr_write_vqi_voq(void* fab, std::uint32_t vqi) {
   dc3& hdr = fab_as<dc3>(fab);
