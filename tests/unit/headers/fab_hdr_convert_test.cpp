@@ -24,9 +24,8 @@ using namespace ht;
 const bytes compressed_mc = {0x91, 0x23, 0x80, 0x05, 0xA3, 0x5A, 0x02, 0x52, 0x10, 0x11, 0x12, 0x13,
                              0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x20, 0x21, 0x22, 0x23, 0x24, 0x30};
 // Its dc3 form for a 100-byte packet: dc3_plen 80.
-const bytes dc3_mc = {0xC0, 0x00, 0x40, 0x14, 0x23, 0x0B, 0x00, 0x05, 0x02, 0x52, 0x10,
-                      0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17, 0x18, 0x19, 0x00, 0x00,
-                      0x01, 0x23, 0x20, 0x21, 0x22, 0x23, 0x24, 0x5A, 0x30, 0x00};
+const bytes dc3_mc = {0xC0, 0x00, 0x40, 0x14, 0x23, 0x0B, 0x00, 0x05, 0x02, 0x52, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15,
+                      0x16, 0x17, 0x18, 0x19, 0x00, 0x00, 0x01, 0x23, 0x20, 0x21, 0x22, 0x23, 0x24, 0x5A, 0x30, 0x00};
 
 TEST(FabHdrConvert, CompressedToDc3GrowsEightBytesAhead) {
   bytes buf(8, 0xEE);
@@ -83,36 +82,12 @@ TEST_F(FabHdrOnThread, CompressedRoundTripAtPktStartMovesHeadAndLength) {
   });
 }
 
-TEST_F(FabHdrOnThread, Dc3RoundTripKeepsWhatTheCompressedFormCarries) {
-  h.on_thread([&](env_t env) {
-    std::uint8_t* start = pkt_mem(env) + 160;
-    std::memcpy(start, dc3_mc.data(), dc3_mc.size());
-    *ps_put_mod_pkt_start(env) = start;
-    *ps_put_mod_curr_pkt_len(env) = 108;
-    plat_fab_convert_dc3_to_compressed(env);
-    plat_fab_convert_compressed_to_dc3(env);
-    EXPECT_EQ(bytes(start, start + 32), dc3_mc);
-  });
-}
-
-TEST_F(FabHdrOnThread, PrepWritesTheFixedFields) {
-  h.on_thread([&](env_t env) {
-    std::array<std::uint8_t, 32> fab;
-    fab.fill(0xFF);
-    common_flags_st::pkt_trace_on::set(*ps_put_mod_common_flags(env), 1);
-    plat_fab_hdr_prep_to_write(env, fab.data());
-    EXPECT_EQ(bytes(fab.begin(), fab.begin() + 9), (bytes{0xC0, 0x00, 0x40, 0x00, 0x02, 0x00, 0x00, 0x00, 0x40}));
-    EXPECT_EQ(fab[15], 0x00);
-    EXPECT_EQ(bytes(fab.begin() + 20, fab.begin() + 24), (bytes{0x00, 0x00, 0x10, 0x00}));
-    EXPECT_EQ(fab[29], 0x00);
-  });
-}
-
 TEST_F(FabHdrOnThread, Ipv4UnicastHeaderOfTheIngressPath) {
   h.on_thread([&](env_t env) {
     std::array<std::uint8_t, 32> fab;
     fab.fill(0xFF);
     *ps_put_mod_common_flags(env) = common_flags_st{};
+    common_flags_st::pkt_trace_on::set(*ps_put_mod_common_flags(env), 1);  // ptrace, 8.1
     inject_flags_st::critical_inject::set(*ps_put_mod_inject_flags(env), 1);
     internal_qos_info_st& qos = *ps_put_mod_internal_qos_info(env);
     internal_qos_info_st::fab_cos::set(qos, 3);
@@ -121,13 +96,14 @@ TEST_F(FabHdrOnThread, Ipv4UnicastHeaderOfTheIngressPath) {
     plat_fab_hdr_write_ipv4_uni_part_1(env, fab.data(), 0x0102, 0x11223344);
     plat_fab_hdr_write_qos_info(env, fab.data());
     EXPECT_EQ(bytes(fab.begin(), fab.end()),
-              (bytes{0xC0, 0x00, 0x40, 0x00, 0x03, 0x00, 0x00, 0x00, 0x01, 0x8C, 0xC3, 0xA5, 0x02, 0x01, 0x00, 0x00,
+              (bytes{0xC0, 0x00, 0x40, 0x00, 0x03, 0x00, 0x00, 0x00, 0x41, 0x8C, 0xC3, 0xA5, 0x02, 0x01, 0x00, 0x00,
                      0x11, 0x22, 0x33, 0x44, 0x00, 0x00, 0x10, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0xFF}));
     *ps_put_mod_internal_qos_info(env) = internal_qos_info_st{};
     plat_fab_hdr_init_internal_qos_egr(env, fab.data());
     EXPECT_EQ(internal_qos_info_st::fab_cos::get(*ps_get_internal_qos_info(env)), 3u);
     EXPECT_EQ(internal_qos_info_st::info16::get(*ps_get_internal_qos_info(env)), 0xA5C3u);
     inject_flags_st::critical_inject::set(*ps_put_mod_inject_flags(env), 0);
+    *ps_put_mod_common_flags(env) = common_flags_st{};
   });
 }
 
@@ -174,9 +150,10 @@ TEST_F(FabHdrOnThread, UnicastBackupRebuildsTheHeaderAheadOfTheL3Header) {
       EXPECT_EQ(plat_restore_l3_ucast_nph(env, &bkup, l3), r.l3_type);
       EXPECT_EQ(*ps_get_pkt_start(env), l3 - 32);
       EXPECT_EQ(bytes(l3 - 32, l3),
-                (bytes{0xC0, 0x00, 0x40, 0x00, 0x01, 0x00, 0x00, 0x00, static_cast<std::uint8_t>(r.type), 0x0C,
-                       0x00, 0x00, r.byte12, r.byte13, 0x00, r.byte15, 0x01, 0x02, 0x03, 0x04, 0x00, 0x00, 0x10,
-                       0x00, 0x00, 0x00, 0x00, 0x00, 0x05, 0x00, 0x3F, 0x00}));
+                (bytes{0xC0, 0x00, 0x40, 0x00,     0x01,     0x00, 0x00,     0x00, static_cast<std::uint8_t>(r.type),
+                       0x0C, 0x00, 0x00, r.byte12, r.byte13, 0x00, r.byte15, 0x01, 0x02,
+                       0x03, 0x04, 0x00, 0x00,     0x10,     0x00, 0x00,     0x00, 0x00,
+                       0x00, 0x05, 0x00, 0x3F,     0x00}));
     }
   });
 }

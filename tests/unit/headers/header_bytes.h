@@ -1,8 +1,12 @@
-// Helpers of the header tests: a record's bytes, and the bytes a field
-// covers when it is set to all ones in an empty record.
+// Helpers of the header tests: a record's bytes, and the golden round trip
+// of a record whose fields hold distinct values.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <array>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <vector>
 
@@ -17,6 +21,7 @@ bytes bytes_of(const R& rec) {
   return {p, p + sizeof(R)};
 }
 
+// The nonzero bytes of a record, by position.
 template <class R>
 byte_map nonzero(const R& rec) {
   byte_map m;
@@ -27,18 +32,30 @@ byte_map nonzero(const R& rec) {
   return m;
 }
 
-// Field F of record R set to all ones: the bytes it must touch.
-template <class F, class R>
-byte_map ones() {
-  R rec{};
-  F::set(rec, static_cast<std::uint32_t>(F::mask));
-  return nonzero(rec);
+// An n-byte header of zeros but for `set`.
+inline bytes with(std::size_t n, const byte_map& set) {
+  bytes b(n, 0);
+  for (const auto& [pos, v] : set) b[pos] = v;
+  return b;
 }
 
-struct field_row {
-  const char* name;
-  byte_map got;
-  byte_map want;
-};
+// Writing the fields F into an empty record R gives the golden bytes, and
+// the golden bytes read back give the values, in the order of the fields.
+template <class R, class... F>
+void expect_round_trip(const bytes& golden, const std::array<std::uint32_t, sizeof...(F)>& values) {
+  ASSERT_EQ(golden.size(), sizeof(R));
+  R written{};
+  std::size_t i = 0;
+  (F::set(written, values[i++]), ...);
+  EXPECT_EQ(bytes_of(written), golden);
+  R read;
+  std::memcpy(&read, golden.data(), sizeof(R));
+  i = 0;
+  const auto check = [&](std::uint32_t got) {
+    EXPECT_EQ(got, values[i]) << "field " << i << " of the list";
+    ++i;
+  };
+  (check(F::get(read)), ...);
+}
 
 }  // namespace ht
