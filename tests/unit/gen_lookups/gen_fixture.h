@@ -61,6 +61,49 @@ inline constexpr const char* TABLES = R"(
 mac 0x404C8A10 16
 )";
 
+// Catalogues of one engine family each: exact-key hash tables, the PLU's
+// route searches, and the TLU's paged modulus read.
+inline constexpr const char* HASH_IDENTIFIERS = R"(
+[engine form=read template=0.3 response=32]
+UIDB_L3_ING
+[hash_families]
+MPLS_RPF HOST_HASH MAPT_LOGG_HASH
+[hash_suffixes]
+MOD BUCKET_0 BUCKET_1 BUCKET KEY KEY_TABLE_ID_ONLY RES REQUEST_UNUSED RESULT_UNUSED
+[tags]
+ING TAIL
+)";
+
+inline constexpr const char* HASH_TABLES = R"(
+[paged]
+0 32 UIDB_L3_ING
+[hash_spaces]
+A         0x80000000 0x100000
+base_addr 0          0x40000
+[hash_tables]
+MPLS_RPF       31  32  A         8  16
+MAPT_LOGG_HASH 60  392 base_addr 64 16 data_plane
+HOST_HASH      -   -   A         16 16 data_plane
+)";
+
+inline constexpr const char* ROUTE_IDENTIFIERS = R"(
+[engine form=plu_ipv4 template=1.11 response=32]
+UC_DST_VPN_ING
+[engine form=plu_ipv6 template=1.12 response=32]
+IPV6_UC_DST_VPN_EGR
+[engine form=read template=0.3 response=32]
+TX_ADJ
+[tags]
+IPV4 IPV6 COMM
+)";
+inline constexpr const char* ROUTE_TABLES = "[direct]\n0x40500000 32 TX_ADJ";
+
+inline std::string tlu_mod_identifiers(const std::string& response) {
+  return "[engine form=tlu_mod_read_paged resource=120 response=" + response +
+         "]\nLAG_EGR\n[engine form=read template=0.2 response=16]\nLAG_INFO_EGR\n";
+}
+inline constexpr const char* TLU_MOD_TABLES = "[paged]\n4 16 LAG_EGR\n[direct]\n0x403A4200 16 LAG_INFO_EGR";
+
 // The catalogue with `rows` as lookups.txt, and what the generator says.
 struct generated {
   gen::catalogue cat;
@@ -68,11 +111,14 @@ struct generated {
   std::vector<gen::lookup> lookups;
 };
 
-inline void generate(generated& g, const std::string& rows) {
-  gen::parse_identifiers(IDENTIFIERS, "identifiers.txt", g.cat, g.errs);
-  gen::parse_tables(TABLES, "tables.txt", g.cat, g.errs);
+inline generated generate(const std::string& rows, const std::string& identifiers = IDENTIFIERS,
+                          const std::string& tables = TABLES) {
+  generated g;
+  gen::parse_identifiers(identifiers, "identifiers.txt", g.cat, g.errs);
+  gen::parse_tables(tables, "tables.txt", g.cat, g.errs);
   gen::parse_lookups(rows, "lookups.txt", g.cat, g.errs);
   g.lookups = gen::resolve(g.cat, g.errs);
+  return g;
 }
 
 inline std::string joined(const gen::errors& errs) {
@@ -80,5 +126,7 @@ inline std::string joined(const gen::errors& errs) {
   for (const std::string& e : errs) all += e + "\n";
   return all;
 }
+
+inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 }  // namespace gen_test

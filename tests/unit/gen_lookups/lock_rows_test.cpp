@@ -11,15 +11,14 @@ using gen_test::generate;
 using gen_test::generated;
 using gen_test::joined;
 
-bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+using gen_test::contains;
 
 constexpr const char* LOCK_ROWS =
     "MAC_LOCK__MN__ACQUIRE cell=0x020 live=g\n"
     "MAC_LOCK__MN__RELEASE cell=0x020 live=g\n";
 
 TEST(LockRows, AcquireAndReleaseUseTheFamilysBitmapHashAndCell) {
-  generated g;
-  generate(g, LOCK_ROWS);
+  const generated g = generate(LOCK_ROWS);
   ASSERT_TRUE(g.errs.empty()) << joined(g.errs);
   const gen::outputs out = gen::emit(g.cat, g.lookups);
   EXPECT_TRUE(contains(out.ops_header,
@@ -35,31 +34,12 @@ TEST(LockRows, AcquireAndReleaseUseTheFamilysBitmapHashAndCell) {
 }
 
 TEST(LockRows, ConversionTakesTheLockNumberIntoItsCell) {
-  generated g;
-  generate(g, "FLOWLOCK_CONVERT__TAIL cell=0x040 live=tail\n");
+  const generated g = generate("FLOWLOCK_CONVERT__TAIL cell=0x040 live=tail\n");
   ASSERT_TRUE(g.errs.empty()) << joined(g.errs);
   const std::string ops = gen::emit(g.cat, g.lookups).ops_header;
   EXPECT_TRUE(
       contains(ops, "inline void lookup_request_ID_FLOWLOCK_CONVERT__TAIL(env_t env, std::uint32_t flowlock_id)"));
   EXPECT_TRUE(contains(ops, "lookup_flowlock_convert(env, 0x040, flowlock_id);"));
-}
-
-TEST(LockRowRules, FamilyWithoutBitmapIsRefused) {
-  generated g;
-  gen::parse_identifiers(
-      "[engine resource=120]\nMAC_LOCK\n[tags]\nMN__ACQUIRE MN__RELEASE\n[locks family=mac]\nMAC_LOCK__MN",
-      "identifiers.txt", g.cat, g.errs);
-  gen::parse_lookups(LOCK_ROWS, "lookups.txt", g.cat, g.errs);
-  gen::resolve(g.cat, g.errs);
-  ASSERT_FALSE(g.errs.empty());
-  EXPECT_TRUE(contains(g.errs[0], "lock family mac has no bitmap in tables.txt")) << joined(g.errs);
-}
-
-TEST(LockRowRules, LocksSectionNamesItsFamily) {
-  generated g;
-  gen::parse_identifiers("[locks]\nMAC_LOCK__MN", "identifiers.txt", g.cat, g.errs);
-  ASSERT_EQ(g.errs.size(), 1u) << joined(g.errs);
-  EXPECT_TRUE(contains(g.errs[0], "identifiers.txt:1: a locks section names its family")) << g.errs[0];
 }
 
 }  // namespace
