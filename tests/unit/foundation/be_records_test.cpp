@@ -1,18 +1,13 @@
-// Big-endian records: the value types, sub-byte fields, flag-word numbering,
-// and the positions of the fields that the platform and the program share.
+// Big-endian records: the value types, sub-byte fields and flag-word
+// numbering. Each header's layout is checked by its golden round trip.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <iterator>
-#include <map>
 #include <vector>
 
 #include "be_types.h"
 #include "dplane/infra/ps_records.h"
-#include "fwc_port.h"
-#include "platform/varn/dist_hdr.h"
-#include "platform/varn/fab_hdr.h"
-#include "platform/varn/pdma_hdr.h"
 
 namespace {
 
@@ -77,62 +72,6 @@ TEST(SubByteFields, FlagWordsNumberBitsFromTheLeastSignificant) {
   EXPECT_EQ(bytes_of(f), (bytes{0x20, 0, 0, 0, 0, 0, 0x06, 0x02}));
   EXPECT_EQ((be_word_mask<0, cf::keep_gpm, cf::pkt_trace_on, cf::fast_switch>()), 0x20400001u);
   EXPECT_EQ((be_word_mask<4, cf::l3_type, cf::gpm_allocated>()), 0x00000603u);
-}
-
-// Every field set to all ones in an empty record: the bytes it must touch.
-template <class F, class R>
-std::map<std::size_t, std::uint8_t> ones() {
-  R rec{};
-  F::set(rec, static_cast<std::uint32_t>(F::mask));
-  std::map<std::size_t, std::uint8_t> nonzero;
-  const auto* p = reinterpret_cast<const std::uint8_t*>(&rec);
-  for (std::size_t i = 0; i < sizeof(R); ++i) {
-    if (p[i]) nonzero[i] = p[i];
-  }
-  return nonzero;
-}
-
-TEST(RecordLayout, SharedFieldsStandWhereThePlatformPutsThem) {
-  using dh = dist_hdr_line_st;
-  struct row {
-    const char* name;
-    std::map<std::size_t, std::uint8_t> got, want;
-  };
-  const row rows[] = {
-      {"dst_format", ones<dh::dst_format, dh>(), {{0, 0xE0}}},
-      {"rt_result", ones<dh::rt_result, dh>(), {{1, 0xFF}}},
-      {"error", ones<dh::error, dh>(), {{4, 0x80}}},
-      {"pktlen", ones<dh::pktlen, dh>(), {{4, 0x3F}, {5, 0xFF}}},
-      {"gpm_pkt_handle", ones<dh::gpm_pkt_handle, dh>(), {{6, 0xFF}, {7, 0xF8}}},
-      {"igpb_queue", ones<dh::igpb_queue, dh>(), {{7, 0x07}, {8, 0xF0}}},
-      {"l3_offset", ones<dh::l3_offset, dh>(), {{17, 0x7F}}},
-      {"l2_uidb", ones<dh::l2_uidb, dh>(), {{18, 0x01}}},
-      {"l3_type", ones<dh::l3_type, dh>(), {{18, 0x30}}},
-      {"read_bng_uidb_ext", ones<dh::read_bng_uidb_ext, dh>(), {{19, 0x02}}},
-      {"mpls_en", ones<dh::mpls_en, dh>(), {{19, 0x10}}},
-      {"ipv6_en", ones<dh::ipv6_en, dh>(), {{19, 0x20}}},
-      {"ipv4_en", ones<dh::ipv4_en, dh>(), {{19, 0x40}}},
-      {"l2 maintenance", ones<dh::l2_uidb_maintenance_mode, dh>(), {{19, 0x08}}},
-      {"l3 maintenance", ones<dh::l3_uidb_maintenance_mode, dh>(), {{20, 0x80}}},
-      {"port_bits_sat", ones<dh::port_bits_sat, dh>(), {{21, 0x08}}},
-      {"port_bits_gbl_feature", ones<dh::port_bits_gbl_feature, dh>(), {{21, 0x01}}},
-      {"logical_port", ones<dh::logical_port, dh>(), {{22, 0x0F}, {23, 0xFF}}},
-      {"uidb_index", ones<dh::uidb_index, dh>(), {{24, 0xFF}, {25, 0xFF}}},
-      {"da_bits", ones<dh::da_bits, dh>(), {{26, 0xC0}}},
-      {"rt_result_valid", ones<dh::rt_result_valid, dh>(), {{26, 0x20}}},
-      {"is_mcast", ones<dh::is_mcast, dh>(), {{26, 0x10}}},
-      {"nph_type", ones<dc3_nph_st::nph_type, dc3_nph_st>(), {{8, 0x3F}}},
-      {"ptrace", ones<dc3_nph_st::ptrace, dc3_nph_st>(), {{8, 0x40}}},
-      {"critical_inject", ones<dc3_nph_st::critical_inject, dc3_nph_st>(), {{9, 0x80}}},
-      {"issu_vbit", ones<fhpdma_bufhdr_type::issu_vbit, fhpdma_bufhdr_type>(), {{0, 0x80}}},
-      {"pdma pkt_type", ones<fhpdma_bufhdr_type::pkt_type, fhpdma_bufhdr_type>(), {{0, 0x03}}},
-      {"sat_port_unicast_state",
-       ones<ingress_port_fields_part1_st::sat_port_unicast_state, ingress_port_fields_part1_st>(), {{6, 0x10}}},
-  };
-  for (const row& r : rows) {
-    SCOPED_TRACE(r.name);
-    EXPECT_EQ(r.got, r.want);
-  }
 }
 
 }  // namespace
