@@ -3,6 +3,7 @@
 
 #include <array>
 #include <numeric>
+#include <vector>
 
 #include "dplane/infra/util.h"
 
@@ -38,16 +39,15 @@ TEST(CopyHelpers, WordAndDoubleWordCopiesRoundUp) {
 TEST(CopyHelpers, ReverseCopyMovesAHeaderUpOverItself) {
   buf b = counting();
   memcpy_bytes_reverse(b.data() + 4, b.data(), 12);
-  EXPECT_EQ((std::array<std::uint8_t, 16>{1, 2, 3, 4, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}),
-            (std::array<std::uint8_t, 16>{b[0], b[1], b[2], b[3], b[4], b[5], b[6], b[7], b[8], b[9], b[10], b[11],
-                                          b[12], b[13], b[14], b[15]}));
+  EXPECT_EQ(std::vector<std::uint8_t>(b.begin(), b.begin() + 16),
+            (std::vector<std::uint8_t>{1, 2, 3, 4, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
 }
 
 TEST(CopyHelpers, FillsWriteBigEndianWords) {
   buf b{};
   memset_words(b.data(), 5, 0x01020304);
-  EXPECT_EQ((std::array<std::uint8_t, 9>{1, 2, 3, 4, 1, 2, 3, 4, 0}),
-            (std::array<std::uint8_t, 9>{b[0], b[1], b[2], b[3], b[4], b[5], b[6], b[7], b[8]}));
+  EXPECT_EQ(std::vector<std::uint8_t>(b.begin(), b.begin() + 9),
+            (std::vector<std::uint8_t>{1, 2, 3, 4, 1, 2, 3, 4, 0}));
   memzero_words(b.data(), 3);
   EXPECT_EQ(b[3], 0);
   EXPECT_EQ(b[4], 1);

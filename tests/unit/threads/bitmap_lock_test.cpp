@@ -14,16 +14,11 @@ constexpr std::uint32_t WAIT = 1;
 constexpr std::uint32_t NO_WAIT = 0;
 
 std::uint32_t lock_word(testkit::npu_harness& h, std::uint32_t base, std::uint32_t lock) {
-  std::array<std::uint8_t, 4> w{};
-  h.npu().memory().read(base + ((lock & ~31u) >> 3), w);
-  return (std::uint32_t{w[0]} << 24) | (w[1] << 16) | (w[2] << 8) | w[3];
+  return h.npu().memory().read_u32(base + ((lock & ~31u) >> 3));
 }
 
 void take_in_memory(testkit::npu_harness& h, std::uint32_t base, std::uint32_t lock) {
-  const std::uint32_t v = lock_word(h, base, lock) | (1u << (lock & 31));
-  const std::array<std::uint8_t, 4> w{static_cast<std::uint8_t>(v >> 24), static_cast<std::uint8_t>(v >> 16),
-                                      static_cast<std::uint8_t>(v >> 8), static_cast<std::uint8_t>(v)};
-  h.npu().memory().write(base + ((lock & ~31u) >> 3), w);
+  h.npu().memory().write_u32(base + ((lock & ~31u) >> 3), lock_word(h, base, lock) | (1u << (lock & 31)));
 }
 
 TEST(BitmapLocks, EachFamilyTakesTheBitOfItsLockNumberAndGivesItBack) {
@@ -122,19 +117,21 @@ TEST_P(BitmapLockLimits, StopTheThread) {
 #endif
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Limits, BitmapLockLimits,
-    ::testing::Values(
-        limit_breach{"taken_for_every_try",
-                     [](env_t env) { acquire_lock_ID_MAC_LOCK__TAIL_ING(env, 9, WAIT); },
-                     "a bitmap lock stayed taken for 50 tries"},
-        limit_breach{"tenth_lock",
-                     [](env_t env) {
-                       for (std::uint32_t i = 10; i < 20; ++i) acquire_lock_ID_MAC_LOCK__TAIL_ING(env, i, WAIT);
-                     },
-                     "a thread took a tenth bitmap lock"},
-        limit_breach{"release_with_none_held", [](env_t env) { release_lock_ID_MAC_LOCK__TAIL_ING(env, 9); },
-                     "a bitmap lock released with none held"}),
-    [](const ::testing::TestParamInfo<limit_breach>& p) { return p.param.name; });
+INSTANTIATE_TEST_SUITE_P(Limits, BitmapLockLimits,
+                         ::testing::Values(limit_breach{"taken_for_every_try",
+                                                        [](env_t env) {
+                                                          acquire_lock_ID_MAC_LOCK__TAIL_ING(env, 9, WAIT);
+                                                        },
+                                                        "a bitmap lock stayed taken for 50 tries"},
+                                           limit_breach{"tenth_lock",
+                                                        [](env_t env) {
+                                                          for (std::uint32_t i = 10; i < 20; ++i)
+                                                            acquire_lock_ID_MAC_LOCK__TAIL_ING(env, i, WAIT);
+                                                        },
+                                                        "a thread took a tenth bitmap lock"},
+                                           limit_breach{"release_with_none_held",
+                                                        [](env_t env) { release_lock_ID_MAC_LOCK__TAIL_ING(env, 9); },
+                                                        "a bitmap lock released with none held"}),
+                         [](const ::testing::TestParamInfo<limit_breach>& p) { return p.param.name; });
 
 }  // namespace
