@@ -1,6 +1,6 @@
 // Short descriptions of global counter and drop counter numbers, for reports
-// and test messages. The program numbers its counters; this is the one table
-// that says what the numbers mean.
+// and test messages, read from the program's counter list
+// (include/global_counters.def).
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,8 @@ namespace names {
 // The description of counter n, or null for a number without one.
 const char* counter_description(std::uint32_t n);
 
-// "0x294 (fabric header type without a handler)", or "0x294" alone.
+// "0x294 (fabric header type without a handler)", or "0x294" alone; a
+// counter of a block indexed by port adds the port: "0x12 (... by logical port 2)".
 std::string counter_label(std::uint32_t n);
 
 }  // namespace names

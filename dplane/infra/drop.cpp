@@ -2,6 +2,7 @@
 
 #include "arch_tie.h"
 #include "dma_common.h"
+#include "global_counters.h"
 #include "lookup.h"
 #include "npu/zephra/pkt_rx.h"
 #include "ps.h"
@@ -14,12 +15,10 @@ using cf2 = common_flags2_st;
 
 constexpr std::uint32_t FREE_REQ_LOC = 0x20;
 // By the ingress bit (bit 7 of distribution byte 0): word 0 of the free
-// request, and the global counter of a traced packet's drop.
+// request.
 constexpr std::uint32_t FREE_CMD_INGRESS = 0x00000C14;
 constexpr std::uint32_t FREE_CMD_EGRESS = 0x00000C15;
 constexpr std::uint32_t KEEP_REQ_LOC = 0x210;
-constexpr std::uint32_t TRACED_DROP_INGRESS = 96;
-constexpr std::uint32_t TRACED_DROP_EGRESS = 100;
 
 // Capture register fields.
 constexpr std::uint32_t CAPTURE_BY_REASON = 1u << 0;
@@ -86,7 +85,7 @@ void check_multipass_drop(env_t env) {
 void npu_drop_packet_guts(env_t env) {
   const bool ingress = pkt_rx_is_ingress(env) != 0;
   if (cf::pkt_trace_on::get(*ps_get_common_flags(env))) {
-    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, ingress ? TRACED_DROP_INGRESS : TRACED_DROP_EGRESS);
+    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, ingress ? CNT_TRACED_DROP_INGRESS : CNT_TRACED_DROP_EGRESS);
   }
   be_u32* req = dma_cell_words(env, FREE_REQ_LOC);
   req[0] = ingress ? FREE_CMD_INGRESS : FREE_CMD_EGRESS;

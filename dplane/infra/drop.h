@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "fwc_types.h"
+#include "global_counters.h"
 
 enum nfpkt_drop_reason_e : std::uint32_t {
   NF_DROP_REASON_UNKNOWN = 0,

@@ -111,18 +111,18 @@ void l3_ing_drop(env_t env, boolean_t uidb_results_ready, std::uint32_t rx_pkt_l
   drop_packet(env, drop_counter_index);
 }
 
-#define DROP_PATH(path)                                                                                         \
-  void early_drop_packet_ing__##path(env_t env, std::uint32_t rx_pkt_len, nfpkt_drop_reason_e drop_reason,    \
-                                     std::uint32_t drop_ctr_idx, boolean_t need_uidb_l3_stats) {               \
-    early_drop(env, DROP_PATH_##path, {rx_pkt_len, drop_reason, drop_ctr_idx, need_uidb_l3_stats});            \
-  }                                                                                                             \
-  void drop_packet_egr_common__##path(env_t env, boolean_t uidb_completed, nfpkt_drop_reason_e drop_reason,   \
-                                      std::uint32_t drop_ctr_idx) {                                             \
-    egress_drop(env, DROP_PATH_##path, uidb_completed, drop_reason, drop_ctr_idx);                              \
-  }                                                                                                             \
-  void call_nf_code_ing_common__##path(env_t env) { call_nf_code_ing(env, DROP_PATH_##path); }                  \
-  void call_nf_code_egr_common__##path(env_t env, boolean_t uidb_completed) {                                   \
-    call_nf_code_egr(env, DROP_PATH_##path, uidb_completed);                                                    \
+#define DROP_PATH(path, meaning)                                                                            \
+  void early_drop_packet_ing__##path(env_t env, std::uint32_t rx_pkt_len, nfpkt_drop_reason_e drop_reason,  \
+                                     std::uint32_t drop_ctr_idx, boolean_t need_uidb_l3_stats) {            \
+    early_drop(env, DROP_PATH_##path, {rx_pkt_len, drop_reason, drop_ctr_idx, need_uidb_l3_stats});         \
+  }                                                                                                         \
+  void drop_packet_egr_common__##path(env_t env, boolean_t uidb_completed, nfpkt_drop_reason_e drop_reason, \
+                                      std::uint32_t drop_ctr_idx) {                                         \
+    egress_drop(env, DROP_PATH_##path, uidb_completed, drop_reason, drop_ctr_idx);                          \
+  }                                                                                                         \
+  void call_nf_code_ing_common__##path(env_t env) { call_nf_code_ing(env, DROP_PATH_##path); }              \
+  void call_nf_code_egr_common__##path(env_t env, boolean_t uidb_completed) {                               \
+    call_nf_code_egr(env, DROP_PATH_##path, uidb_completed);                                                \
   }
 #include "drop_paths.def"
 #undef DROP_PATH

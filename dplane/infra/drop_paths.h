@@ -16,12 +16,12 @@ void l3_ing_drop(env_t env, boolean_t uidb_results_ready, std::uint32_t rx_pkt_l
 // its interface record (UIDB_L3_ING__COMM); the egress drop on one that has
 // asked for its egress record (UIDB_L3_EGR__COMM), waited for unless
 // uidb_completed. The NETFLOW forms, used inside flow export, only drop.
-#define DROP_PATH(path)                                                                                         \
-  void early_drop_packet_ing__##path(env_t env, std::uint32_t rx_pkt_len, nfpkt_drop_reason_e drop_reason,    \
-                                     std::uint32_t drop_ctr_idx, boolean_t need_uidb_l3_stats);                \
-  void drop_packet_egr_common__##path(env_t env, boolean_t uidb_completed, nfpkt_drop_reason_e drop_reason,   \
-                                      std::uint32_t drop_ctr_idx);                                              \
-  void call_nf_code_ing_common__##path(env_t env);                                                              \
+#define DROP_PATH(path, meaning)                                                                            \
+  void early_drop_packet_ing__##path(env_t env, std::uint32_t rx_pkt_len, nfpkt_drop_reason_e drop_reason,  \
+                                     std::uint32_t drop_ctr_idx, boolean_t need_uidb_l3_stats);             \
+  void drop_packet_egr_common__##path(env_t env, boolean_t uidb_completed, nfpkt_drop_reason_e drop_reason, \
+                                      std::uint32_t drop_ctr_idx);                                          \
+  void call_nf_code_ing_common__##path(env_t env);                                                          \
   void call_nf_code_egr_common__##path(env_t env, boolean_t uidb_completed);
 #include "drop_paths.def"
 #undef DROP_PATH

@@ -6,12 +6,12 @@
 // wait costs one compare unless the record is being changed.
 #include <cstdio>
 
+#include "global_counters.h"
 #include "lookup.h"
 
 namespace {
 
 constexpr std::uint32_t FORWARD_STATE_PATTERN = 0x8BADF00D;
-constexpr std::uint32_t GLB_CNT_SHADOW_READ = 0xB7;
 constexpr std::uint32_t COHERENT_RECORD_BYTES = 32;
 
 // Word 0 is 0 but the pattern is missing: the control plane broke the
@@ -31,7 +31,7 @@ void lookup_coherency_reread(env_t env, lookup_id_e id, std::uint32_t record_loc
   be_u32* w = dma_cell_words(env, record_loc);
   const std::uint32_t word2 = w[2].get();
   if (word2 != FORWARD_STATE_PATTERN) trap_broken_record(id, record_loc, word2);
-  lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, GLB_CNT_SHADOW_READ);
+  lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, CNT_SHADOW_READ);
   // The cell is the request (the shadow's address in word 0) and the response.
   w[0] = w[1].get();
   dma_initiate(env, dma_build_cmd(RES_TLU_READ_NC_32B, record_loc, 4, record_loc, COHERENT_RECORD_BYTES));

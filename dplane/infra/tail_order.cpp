@@ -85,10 +85,10 @@ void do_tail_processing(env_t env, const tail_step_st (&order)[N], std::uint32_t
 
 }  // namespace
 
-#define TAIL_PATH(path, side, kind)                                                                 \
-  void tail_processing_##path(env_t env) {                                                          \
-    if (cf::tail_processing::get(*ps_get_common_flags(env))) do_tail_processing_##path(env);        \
-  }                                                                                                 \
+#define TAIL_PATH(path, side, kind, meaning)                                                 \
+  void tail_processing_##path(env_t env) {                                                   \
+    if (cf::tail_processing::get(*ps_get_common_flags(env))) do_tail_processing_##path(env); \
+  }                                                                                          \
   void do_tail_processing_##path(env_t env) { do_tail_processing(env, side##_ORDER, TAIL_KIND_##kind); }
 #include "tail_paths.def"
 #undef TAIL_PATH

@@ -45,8 +45,8 @@ void tail_processing_epilog(env_t env, std::uint32_t funcs);
 // Per path (tail_paths.def): tail_processing_<path> is the call site after
 // the send, and runs do_tail_processing_<path> when tail work is owed: the
 // owed functions in the fixed order of the path's side.
-#define TAIL_PATH(path, side, kind)       \
-  void tail_processing_##path(env_t env); \
+#define TAIL_PATH(path, side, kind, meaning) \
+  void tail_processing_##path(env_t env);    \
   void do_tail_processing_##path(env_t env);
 #include "tail_paths.def"
 #undef TAIL_PATH

@@ -71,7 +71,7 @@ lag_egr_result_e base_egr_lag_process(env_t env, std::uint32_t lag_id, std::uint
   lookup_wait_ID_LAG_INFO_EGR(env);
   const info& bundle = *lookup_result_ID_LAG_INFO_EGR(env);
   if (!info::valid::get(bundle)) {
-    *drop_np_counter = LAG_EGR_INVALID_DROP;
+    *drop_np_counter = DROP_LAG_EGR_INVALID;
     return LAG_EGR_NO_MEMBER;
   }
   const member& m = use_hash ? member_by_hash(env, bundle, lag_sel) : member_by_number(env, bundle, lag_sel);
@@ -79,7 +79,7 @@ lag_egr_result_e base_egr_lag_process(env_t env, std::uint32_t lag_id, std::uint
     *ps_put_mod_egr_port_id(env) = member::np_port_id::get(m);
     return LAG_EGR_PORT_SET;
   }
-  *drop_np_counter = member::bf::valid::get(m) ? LAG_EGR_NOT_LOCAL_DROP : LAG_EGR_INVALID_DROP;
+  *drop_np_counter = member::bf::valid::get(m) ? DROP_LAG_MEMBER_NOT_LOCAL : DROP_LAG_EGR_INVALID;
   return LAG_EGR_NO_MEMBER;
 }
 

@@ -8,10 +8,7 @@
 #include <cstdint>
 
 #include "fwc_types.h"
-
-// Drop counters of the egress choice.
-inline constexpr std::uint32_t LAG_EGR_INVALID_DROP = 0x22E;  // bundle or member not valid
-inline constexpr std::uint32_t LAG_EGR_NOT_LOCAL_DROP = 0xE2;  // the member is on another NPU
+#include "global_counters.h"
 
 enum lag_egr_result_e : std::uint32_t {
   LAG_EGR_PORT_SET = 0,   // egr_port_id is the member's port

@@ -17,7 +17,7 @@ func_rc_e lag_process_common_ing(env_t env, std::uint32_t lag_id, std::uint32_t 
   lookup_wait_ID_LAG_INFO_ING(env);
   const info& bundle = *lookup_result_ID_LAG_INFO_ING(env);
   if (!info::valid::get(bundle)) {
-    drop_packet(env, LAG_ING_INVALID_DROP);
+    drop_packet(env, DROP_LAG_ING_INVALID);
     return RC_PKT_DROP;
   }
   lookup_request_ID_LAG_ING(env, info::global_mem_base_ptr::get(bundle), lag_selection_hash(bundle, lag_hash),
@@ -25,7 +25,7 @@ func_rc_e lag_process_common_ing(env_t env, std::uint32_t lag_id, std::uint32_t 
   lookup_wait_ID_LAG_ING(env);
   const mod_lag_st& chosen = *lookup_result_ID_LAG_ING(env);
   if (!member::bf::valid::get(chosen.fields)) {
-    drop_packet(env, LAG_ING_INVALID_DROP);
+    drop_packet(env, DROP_LAG_ING_INVALID);
     return RC_PKT_DROP;
   }
   *lagm = static_cast<std::uint8_t>(npu_mod_fields_st::mod_rem::get(chosen.mod));

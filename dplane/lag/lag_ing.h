@@ -8,9 +8,7 @@
 #include <cstdint>
 
 #include "fwc_types.h"
-
-// Drop counter of an ingress bundle or member that is not valid.
-inline constexpr std::uint32_t LAG_ING_INVALID_DROP = 0x240;
+#include "global_counters.h"
 
 // lag_hash: the 12 bits of hash_get_lag_bits. Fills vqi and lagm and gives
 // RC_SUCCESS; RC_PKT_DROP when the bundle or the chosen member is not valid,

@@ -5,6 +5,7 @@
 #include "dplane/infra/lookup.h"
 #include "dplane/infra/ps.h"
 #include "dplane/lag/lag_ing.h"
+#include "global_counters.h"
 
 namespace {
 
@@ -62,7 +63,7 @@ func_rc_e lag_process_l3_adj_ing_slow(env_t env, const std::uint8_t* l3_hdr, voi
     lag_hash = adj_st::lag::lag_hash::get(adj);  // the control plane pins the flow
   } else if (!(*ps_get_ing_fwd_thread_bits(env) & LAG_THREAD_MGSCP_ADDR_HASH)) {
     lag_hash = hash_get_lag_bits(raw_hash);
-    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, LAG_MGSCP_RAW_HASH_COUNTER);
+    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, CNT_LAG_MGSCP_RAW_HASH);
   } else {
     lag_hash = mgscp_address_hash(env, adj, l3_hdr, raw_hash);
   }

@@ -8,10 +8,6 @@
 
 #include "fwc_types.h"
 
-// Global debug counter of an MGSCP adjacency reached by a caller that has
-// not asked for its address hash.
-inline constexpr std::uint32_t LAG_MGSCP_RAW_HASH_COUNTER = 0x11B;
-
 // Thread bits of ing_fwd_thread_bits that the bundle step reads.
 inline constexpr std::uint32_t LAG_THREAD_IPV4 = 0x0001;          // the payload is IPv4, else IPv6
 inline constexpr std::uint32_t LAG_THREAD_MGSCP_ADDR_HASH = 0x0008;  // MGSCP may hash by one address

@@ -5,12 +5,12 @@
 #include "dma_common.h"
 #include "dplane/infra/drop.h"
 #include "dplane/infra/lookup_tables.h"
+#include "global_counters.h"
 
 namespace {
 
 using cf = common_flags_st;
 
-constexpr std::uint32_t DROP_FABRIC_ERROR = 0x297;
 constexpr std::uint32_t SAVE_UNIT = 8;
 constexpr std::uint32_t SAVE_ADDITIONAL_UNIT = 4;
 

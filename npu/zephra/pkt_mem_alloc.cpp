@@ -3,6 +3,7 @@
 #include "dma_common.h"
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
+#include "global_counters.h"
 #include "platform/shared/unbuilt_handlers.h"
 #include "pkt_rx.h"
 
@@ -10,8 +11,6 @@ namespace {
 
 using cf = common_flags_st;
 
-constexpr std::uint32_t DROP_PACKET_MEM_BAD_REQUEST = 0x299;
-constexpr std::uint32_t DROP_PACKET_MEM_TOO_LARGE = 0x145;
 constexpr std::uint32_t GPB_HANDLE_ENGINE_MASK = 0x3;
 
 // Where each feature's area starts below pkt_mem_start, and its largest request.

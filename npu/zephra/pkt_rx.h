@@ -4,6 +4,7 @@
 
 #include "dplane/infra/env.h"
 #include "dplane/infra/ps.h"
+#include "ingress_vectors.h"
 #include "platform/varn/dist_hdr.h"
 
 inline const dist_hdr_line_st& pkt_rx_line_hdr(env_t env) {
@@ -20,7 +21,6 @@ inline baf_hdr_ing_st& pkt_rx_baf_mod(env_t env) {
 using dh = dist_hdr_line_st;
 using rx_baf = baf_hdr_ing_st;
 
-inline constexpr std::uint32_t RT_RESULT_L2_CONTROL = 12;
 inline constexpr std::uint32_t INJECT_QUEUE_FIRST = 80;
 inline constexpr std::uint32_t INJECT_QUEUE_LAST = 83;
 inline constexpr std::uint32_t MPLS_LABEL_BYTES = 4;
@@ -31,7 +31,7 @@ inline constexpr std::uint32_t RX_FRAME_TYPE_MASK = 0x3;
 inline std::uint32_t pkt_rx_distr_type(env_t env) { return dh::dst_format::get(pkt_rx_line_hdr(env)); }
 inline std::uint32_t pkt_rx_rt_thread(env_t env) { return dh::rt_result::get(pkt_rx_line_hdr(env)); }
 inline void pkt_set_rx_rt_thread(env_t env, std::uint32_t result) { dh::rt_result::set(pkt_rx_line_hdr_mod(env), result); }
-inline boolean_t pkt_rx_rt_thread_is_l2_control(env_t env) { return pkt_rx_rt_thread(env) == RT_RESULT_L2_CONTROL; }
+inline boolean_t pkt_rx_rt_thread_is_l2_control(env_t env) { return pkt_rx_rt_thread(env) == VECTOR_L2_CONTROL; }
 inline std::uint32_t get_orig_pkt_len(env_t env) { return dh::pktlen::get(pkt_rx_line_hdr(env)); }
 inline std::uint32_t pkt_get_rx_frame_type(env_t env) {
   return dh::frame_type::get(pkt_rx_line_hdr(env)) & RX_FRAME_TYPE_MASK;

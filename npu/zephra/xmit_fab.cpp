@@ -8,6 +8,7 @@
 #include "dplane/infra/lookup.h"
 #include "dplane/infra/ps.h"
 #include "dplane/infra/util.h"
+#include "global_counters.h"
 #include "pkt_buf.h"
 #include "pkt_rx.h"
 #include "platform/varn/fab_hdr_access.h"
@@ -24,7 +25,6 @@ constexpr std::uint32_t HANDLE_SHIFT = 16;
 constexpr std::uint32_t HANDLE_MASK = 0x1FFF;
 constexpr std::uint32_t MAX_PIECES = 3;
 // Traced packets that the ingress side sends to the fabric.
-constexpr std::uint32_t GLB_CNT_TRACED_TO_FABRIC = 0x61;
 
 // Words 0 to 2, or without word 1 in the v3 form; returns the first piece word.
 be_u32* write_gather_head(env_t env, be_u32* req, boolean_t mcast, bool lock_word) {
@@ -159,7 +159,7 @@ void npu_xmit_pkt_fab(env_t env, std::uint32_t flb_gather_req_loc, std::uint32_t
   plat_final_fab_prep2(env);
   const common_flags_st& flags = *ps_get_common_flags(env);
   if (cf::pkt_trace_on::get(flags) && pkt_rx_is_ingress(env)) {
-    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, GLB_CNT_TRACED_TO_FABRIC);
+    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, CNT_TRACED_TO_FABRIC);
   }
   if (cf::keep_gpm::get(flags)) {
     npu_xmit_pkt_keep(env, FALSE, flb_gather_req_loc, GATHER_KEEP_REQ_BYTES, GATHER_KEEP_RESP_LOC);

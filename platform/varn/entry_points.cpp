@@ -84,6 +84,6 @@ void init_nph_entry_points(env_t) {
   store_entries(nph_ep.entry_point, local.entry_point);
 }
 
-void drop_packet_bad_nph_shim(env_t env) { drop_packet(env, 0x294); }
+void drop_packet_bad_nph_shim(env_t env) { drop_packet(env, DROP_UNKNOWN_NPH_TYPE); }
 
 void plat_process_inject_shim(env_t env) { plat_process_inject(env, TRUE); }

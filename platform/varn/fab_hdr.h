@@ -7,36 +7,7 @@
 #pragma once
 
 #include "be_types.h"
-
-// NPH types. The type is the only thing the egress dispatch reads.
-enum nph_type_e : std::uint32_t {
-  NPH_TYPE_NONE = 0,
-  NPH_TYPE_IPV4_UNI = 1,
-  NPH_TYPE_IPV4_MC = 2,
-  NPH_TYPE_IPV6_UNI = 3,
-  NPH_TYPE_IPV6_MC = 4,
-  NPH_TYPE_MPLS_UNI = 5,
-  NPH_TYPE_XC_AC = 6,
-  NPH_TYPE_L2_UNI = 7,
-  NPH_TYPE_L2_FLD = 8,
-  NPH_TYPE_L2M4 = 9,
-  NPH_TYPE_MAC_NOTIFY = 10,
-  NPH_TYPE_XC_AC_IP = 12,
-  NPH_TYPE_PUNT_INJECT = 15,
-  NPH_TYPE_MOFRR = 16,
-  NPH_TYPE_LOOPBACK = 17,
-  NPH_TYPE_IPV4_ABF_UNI = 19,
-  NPH_TYPE_XC_AC_VPDN = 21,
-  NPH_TYPE_IPV6_ABF_UNI = 23,
-  NPH_TYPE_L2M6 = 25,
-  NPH_TYPE_IPV4_UNI_EXT = 32,
-  NPH_TYPE_MPLS_UNI_EXT = 33,
-  NPH_TYPE_IPV6_UNI_EXT = 34,
-  NPH_TYPE_IP_NHINDEX = 35,
-  NPH_TYPE_MPLS_NHINDEX = 36,
-  NPH_TYPE_L2_UNI_PLUS = 37,
-  NPH_TYPE_PUNT_INJECT_ALT = 63,
-};
+#include "nph_types.h"
 
 // Length codes of nph_length: bytes = code * 2 + 8.
 enum nph_length_e : std::uint32_t {

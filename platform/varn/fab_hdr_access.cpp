@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "dplane/infra/drop.h"
+#include "global_counters.h"
 
 namespace {
 
@@ -14,7 +15,6 @@ constexpr std::uint32_t BD_ID_LOW_BITS = 15;
 constexpr std::uint32_t BD_ID_LOW_MASK = (1u << BD_ID_LOW_BITS) - 1;
 constexpr std::uint32_t ETHERTYPE_IPV4 = 0x0800;
 constexpr std::uint32_t ETHERTYPE_IPV6 = 0x86DD;
-constexpr std::uint32_t DROP_BAD_GRE_MULTIKEY_LEN = 0x283;
 
 std::uint32_t vpath_ethertype(const void* fab) {
   const auto* p = static_cast<const std::uint8_t*>(fab) + PWHE_VPATH_ETHERTYPE_OFFSET;

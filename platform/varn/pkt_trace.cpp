@@ -4,14 +4,11 @@
 #include <initializer_list>
 
 #include "dplane/infra/lookup.h"
+#include "global_counters.h"
 #include "npu/zephra/pkt_rx.h"
 #include "rx_dispatch.h"
 
 namespace {
-
-constexpr std::uint32_t GLB_TRACE_PORT_BASE = 16;
-constexpr std::uint32_t GLB_TRACE_EGR_LINE_BASE = 56;
-constexpr std::uint32_t TRACE_MAX_LINE_PORT = 39;
 
 bool port_selected(const global_pkt_trace_entry_st& e, std::uint32_t port) {
   for (std::uint8_t slot : {e.np_port1, e.np_port2, e.np_port3}) {
@@ -40,12 +37,12 @@ void npu_ing_pkt_trace_proc(env_t env) {
     return;
   }
   common_flags_st::pkt_trace_on::set(*ps_put_mod_common_flags(env), 1);
-  lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, port + GLB_TRACE_PORT_BASE);
+  lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, CNT_TRACED_RX_PORT + port);
 }
 
 void npu_pkt_trace_update_egr_line_stat(env_t env) {
   const std::uint32_t port = *ps_get_hw_np_port(env);
-  if (!pkt_rx_is_ingress(env) && port <= TRACE_MAX_LINE_PORT) {
-    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, port + GLB_TRACE_EGR_LINE_BASE);
+  if (!pkt_rx_is_ingress(env) && port < CNT_TRACED_TX_LINE_PORT_COUNT) {
+    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, CNT_TRACED_TX_LINE_PORT + port);
   }
 }

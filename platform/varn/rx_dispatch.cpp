@@ -4,6 +4,7 @@
 #include "dplane/infra/lookup.h"
 #include "fab_hdr_access.h"
 #include "global_config.h"
+#include "global_counters.h"
 #include "npu/zephra/pkt_buf.h"
 #include "pdma_hdr.h"
 #include "platform/shared/unbuilt_handlers.h"
@@ -12,10 +13,6 @@
 namespace {
 
 using cf = common_flags_st;
-
-constexpr std::uint32_t GLB_FABRIC_TRACE = 0x66;
-constexpr std::uint32_t DROP_PDMA_ISSU = 0x20F;
-constexpr std::uint32_t DROP_PDMA_UNKNOWN_TYPE = 0x28F;
 
 enum pdma_pkt_type_e : std::uint32_t {
   PDMA_PKT_HOST = 0,
@@ -61,7 +58,7 @@ void plat_rx_process_egr(env_t env, std::uint32_t dst_format) {
   const void* fab = plat_fab_hdr_of(env);
   const nph_fn_type nph_fn = nph_ep_entry(nph_type_to_ep_table_index(plat_fab_get_nph_type(fab)));
   if (plat_get_common_ptrace_fromfab(fab)) {
-    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, GLB_FABRIC_TRACE);
+    lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, CNT_TRACED_FROM_FABRIC);
     cf::pkt_trace_on::set(*ps_put_mod_common_flags(env), 1);
   }
   if (plat_get_common_critical_inject_fromfab(fab)) return handle_egr_ci(env, nph_fn);

@@ -6,6 +6,8 @@
 #include "dplane/infra/drop_paths.h"
 #include "dplane/infra/env_init.h"
 #include "dplane/infra/lookup.h"
+#include "global_counters.h"
+#include "ingress_vectors.h"
 #include "npu/zephra/pkt_rx.h"
 #include "platform/shared/unbuilt_handlers.h"
 #include "platform/varn/entry_points.h"
@@ -14,8 +16,6 @@ namespace {
 
 using cf = common_flags_st;
 
-constexpr std::uint32_t VECTOR_HOST_INJECT = 13;
-constexpr std::uint32_t VECTOR_TIMESTAMP_FOLLOWUP = 14;
 constexpr std::uint32_t ETH_HDR_LEN = 14;
 constexpr std::uint32_t ETHERTYPE_OFFSET = 12;
 constexpr std::uint16_t ETHERTYPE_IPV4 = 0x0800;
@@ -23,15 +23,6 @@ constexpr std::uint32_t VQ_TAG_LEN = 4;
 constexpr std::uint32_t MAC_ADDRS_LEN = 12;
 constexpr std::uint32_t IPV4_DST_OFFSET = 16;
 constexpr std::uint32_t IPV6_DST_OFFSET = 24;
-
-constexpr std::uint32_t DROP_BAD_INJECT = 0x220;
-constexpr std::uint32_t DROP_UNKNOWN_VECTOR = 0x295;
-constexpr std::uint32_t DROP_SAT_PORT_NOT_UNICAST = 0x2C7;
-constexpr std::uint32_t DROP_MAINTENANCE_MODE = 0x5D2;
-constexpr std::uint32_t DROP_IPV4_DISABLED = 0x589;
-constexpr std::uint32_t DROP_IPV6_DISABLED = 0x596;
-constexpr std::uint32_t DROP_MPLS_DISABLED = 0x5A8;
-constexpr std::uint32_t DROP_MPLS_MAC_MISMATCH = 0x190;
 
 // Destination MAC classes 1 and 3 are addressed to this router.
 bool dest_mac_matches(env_t env) {
@@ -56,7 +47,7 @@ boolean_t handle_protdecode_tcam_miss(env_t env) {
 
 boolean_t handle_non_wire_vector(env_t env) {
   const std::uint32_t vector = pkt_rx_rt_thread(env);
-  if (vector == VECTOR_HOST_INJECT) {
+  if (vector == VECTOR_INJECT) {
     if (!pkt_is_rx_inject_port(env)) {
       drop_packet(env, DROP_BAD_INJECT);
     } else if (pkt_get_rx_l3_type(env) == bufhdr_l3_type_other_e) {

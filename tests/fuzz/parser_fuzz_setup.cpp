@@ -32,8 +32,8 @@ void write_marks(model::table_memory& mem, std::uint16_t index, bool l2) {
 
 // A clean vector carries a frame whose Ethernet and L3 headers lie in it.
 bool clean(std::uint32_t vector) {
-  return vector == model::VECTOR_IPV4_UNICAST || vector == model::VECTOR_IPV4_MULTICAST ||
-         vector == model::VECTOR_IPV6_UNICAST || vector == model::VECTOR_IPV6_MULTICAST || vector == model::VECTOR_MPLS;
+  return vector == VECTOR_IPV4_UNICAST || vector == VECTOR_IPV4_MULTICAST || vector == VECTOR_IPV6_UNICAST ||
+         vector == VECTOR_IPV6_MULTICAST || vector == VECTOR_MPLS;
 }
 
 }  // namespace

@@ -162,8 +162,8 @@ TEST_F(BundleAcrossFabric, AMemberThatChangedOwnerInFlightDropsAt0xE2) {
 
   const std::vector<model::packet_outcome> at_owner = lc.harness().run(2);
   ASSERT_EQ(at_owner.size(), 1u);
-  EXPECT_EQ(at_owner[0].global_counters, (std::vector<std::uint32_t>{LAG_EGR_NOT_LOCAL_DROP}));
-  EXPECT_EQ(ctrl::read_global_counter(npu(2), LAG_EGR_NOT_LOCAL_DROP), 1u);
+  EXPECT_EQ(at_owner[0].global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
+  EXPECT_EQ(ctrl::read_global_counter(npu(2), DROP_LAG_MEMBER_NOT_LOCAL), 1u);
   EXPECT_EQ(seen.lagm, 3u);
   EXPECT_EQ(seen.result, LAG_EGR_NO_MEMBER);
   EXPECT_EQ(seen.port, NOT_SEEN);
@@ -176,8 +176,8 @@ TEST_F(BundleAcrossFabric, ABundleGoneAtIngressDropsAt0x240AndSendsNothing) {
   ASSERT_EQ(ctrl::remove_bundle(npu(0), BUNDLE), ctrl::error::none);
   const model::packet_outcome o = receive(0xFB1234CD);
   EXPECT_TRUE(o.sent.empty());
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{LAG_ING_INVALID_DROP}));
-  EXPECT_EQ(ctrl::read_global_counter(npu(0), LAG_ING_INVALID_DROP), 1u);
+  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_ING_INVALID}));
+  EXPECT_EQ(ctrl::read_global_counter(npu(0), DROP_LAG_ING_INVALID), 1u);
   EXPECT_EQ(arrivals(), (std::vector<std::size_t>{0, 0, 0}));
   EXPECT_EQ(seen.lagm, NOT_SEEN);
 }

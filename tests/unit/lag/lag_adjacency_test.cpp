@@ -104,7 +104,7 @@ TEST_P(AdjacencyHash, ChoosesTheMemberByTheAdjacencysHash) {
   ASSERT_EQ(rc, RC_SUCCESS);
   EXPECT_EQ(fab[14], member);
   EXPECT_EQ(dc3_nph_fields::dc3_fgid_or_sfp::get(fab), lag_test::VQI_BASE + member);
-  EXPECT_EQ(counter(LAG_MGSCP_RAW_HASH_COUNTER), c.counted ? 1u : 0u);
+  EXPECT_EQ(counter(CNT_LAG_MGSCP_RAW_HASH), c.counted ? 1u : 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -134,7 +134,7 @@ TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChain) {
     rc = lag_process_l3_adj_ing(env, V4.data(), fab.data(), RAW_HASH);
   });
   EXPECT_EQ(rc, RC_PKT_DROP);
-  EXPECT_EQ(counter(LAG_ING_INVALID_DROP), 1u);
+  EXPECT_EQ(counter(DROP_LAG_ING_INVALID), 1u);
 }
 
 // The adjacency's first three bytes: the marks, then the port byte.

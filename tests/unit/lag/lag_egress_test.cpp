@@ -101,7 +101,7 @@ TEST_P(EgressSelection, ChoosesTheMemberByThreadBitsAndState) {
   const outcome o = choose(c.thread_bits, c.state, packet(c.header_lagm, 3), 4);
   if (c.member < 0) {
     EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-    EXPECT_EQ(o.drop, LAG_EGR_INVALID_DROP);
+    EXPECT_EQ(o.drop, DROP_LAG_EGR_INVALID);
   } else {
     EXPECT_EQ(o.result, LAG_EGR_PORT_SET);
     EXPECT_EQ(o.port, PORT_BASE + static_cast<std::uint32_t>(c.member));
@@ -153,10 +153,10 @@ TEST_P(EgressFailure, ReportsItsDropCounter) {
 
 INSTANTIATE_TEST_SUITE_P(
     Failures, EgressFailure,
-    ::testing::Values(failure_case{"bundle_not_valid", 0, true, 1, LAG_EGR_INVALID_DROP},
-                      failure_case{"member_past_the_list", 3, true, 5, LAG_EGR_INVALID_DROP},
-                      failure_case{"last_member_number_past_the_list", 3, true, 63, LAG_EGR_INVALID_DROP},
-                      failure_case{"member_on_another_npu", 3, false, 1, LAG_EGR_NOT_LOCAL_DROP}),
+    ::testing::Values(failure_case{"bundle_not_valid", 0, true, 1, DROP_LAG_EGR_INVALID},
+                      failure_case{"member_past_the_list", 3, true, 5, DROP_LAG_EGR_INVALID},
+                      failure_case{"last_member_number_past_the_list", 3, true, 63, DROP_LAG_EGR_INVALID},
+                      failure_case{"member_on_another_npu", 3, false, 1, DROP_LAG_MEMBER_NOT_LOCAL}),
     [](const ::testing::TestParamInfo<failure_case>& p) { return p.param.name; });
 
 TEST_F(EgressChoice, ATruncatingBundleHashesTheLowByte) {
@@ -192,8 +192,8 @@ TEST_P(EgressDrop, CountsTheReasonAfterTheFlowExportOfItsPath) {
       },
       packet(1));
   EXPECT_EQ(rc, RC_PKT_DROP);
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{LAG_EGR_NOT_LOCAL_DROP}));
-  EXPECT_EQ(counter(LAG_EGR_NOT_LOCAL_DROP), 1u);
+  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
+  EXPECT_EQ(counter(DROP_LAG_MEMBER_NOT_LOCAL), 1u);
   EXPECT_EQ(o.placeholder, c.flow_export);
 }
 

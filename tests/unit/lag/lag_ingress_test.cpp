@@ -84,7 +84,7 @@ TEST_F(IngressChoice, ABundleThatIsNotValidDrops0x240AndLeavesTheHeader) {
   run([&](env_t env) { rc = lag_l3_ing(env, fab.data(), BUNDLE, 0x10); });
   EXPECT_EQ(rc, RC_PKT_DROP);
   EXPECT_EQ(fab, (std::array<std::uint8_t, 32>{}));
-  EXPECT_EQ(counter(LAG_ING_INVALID_DROP), 1u);
+  EXPECT_EQ(counter(DROP_LAG_ING_INVALID), 1u);
 }
 
 }  // namespace
