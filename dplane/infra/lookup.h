@@ -13,11 +13,13 @@
 
 #include "dplane/infra/lookup_catalogue.h"
 
-// Logging of lookup results into the per-thread log in table memory. Nothing
-// on the forwarding path calls it.
+// Logging of lookup results into the per-thread log in table memory, while
+// the process-wide lookup_log switch is on (enable_lookup_logging turns it on
+// for every thread, clear_lookup_logging off). Nothing on the forwarding path
+// calls it.
 void log_lookup_result(env_t env, lookup_id_e lookup_id, const char* lookup_name, std::uint32_t dmem_res_loc,
                        std::uint32_t result_size);
-void log_lookup_result_internal(env_t env, lookup_id_e lookup_id, const char* lookup_name,
-                                std::uint32_t dmem_res_loc, std::uint32_t result_size);
+void log_lookup_result_internal(env_t env, lookup_id_e lookup_id, const char* lookup_name, std::uint32_t dmem_res_loc,
+                                std::uint32_t result_size);
 void enable_lookup_logging(env_t env);
 void clear_lookup_logging(env_t env);

@@ -3,6 +3,7 @@
 // up to 32 bytes; an entry that would pass the segment's end is left out.
 #include <cstring>
 
+#include "dplane/infra/debug_switches.h"
 #include "env_init.h"
 #include "lookup.h"
 
@@ -35,11 +36,12 @@ void write_unit(env_t env, std::uint32_t addr, const std::uint8_t* unit) {
 
 void log_lookup_result(env_t env, lookup_id_e lookup_id, const char* lookup_name, std::uint32_t dmem_res_loc,
                        std::uint32_t result_size) {
+  if (!debug_switch_on(debug_switch::lookup_log)) return;
   log_lookup_result_internal(env, lookup_id, lookup_name, dmem_res_loc, result_size);
 }
 
-void log_lookup_result_internal(env_t env, lookup_id_e lookup_id, const char* lookup_name,
-                                std::uint32_t dmem_res_loc, std::uint32_t result_size) {
+void log_lookup_result_internal(env_t env, lookup_id_e lookup_id, const char* lookup_name, std::uint32_t dmem_res_loc,
+                                std::uint32_t result_size) {
   thread_lookup_trace_st& trace = *ps_put_mod_thread_lookup_trace(env);
   const std::uint32_t used = thread_lookup_trace_st::segment_offset::get(trace);
   const std::uint32_t units = 1 + (result_size + LOG_UNIT - 1) / LOG_UNIT;
@@ -76,5 +78,5 @@ void log_lookup_result_internal(env_t env, lookup_id_e lookup_id, const char* lo
   thread_lookup_trace_st::segment_offset::set(trace, used + units);
 }
 
-void enable_lookup_logging(env_t) {}
-void clear_lookup_logging(env_t) {}
+void enable_lookup_logging(env_t) { debug_switch_set(debug_switch::lookup_log, true); }
+void clear_lookup_logging(env_t) { debug_switch_set(debug_switch::lookup_log, false); }

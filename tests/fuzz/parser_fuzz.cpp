@@ -1,6 +1,6 @@
 // libFuzzer target of the line parser: any bytes, as a frame on one of four
-// ports (by the first byte), must give a header without a fault, and a clean
-// vector only to a frame the parser's own checks pass.
+// ports (by the first byte), must give a header without a fault that keeps
+// every promise of parser_promises.h; a broken one traps.
 #include <cstddef>
 #include <cstdint>
 #include <span>

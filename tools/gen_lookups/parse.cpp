@@ -67,7 +67,9 @@ bool split_attr(const std::string& word, std::string& key, std::string& value) {
 class reporter {
  public:
   reporter(const std::string& file, errors& errs) : file_(file), errs_(errs) {}
-  void operator()(int line, const std::string& what) { errs_.push_back(file_ + ":" + std::to_string(line) + ": " + what); }
+  void operator()(int line, const std::string& what) {
+    errs_.push_back(file_ + ":" + std::to_string(line) + ": " + what);
+  }
 
  private:
   const std::string& file_;
@@ -161,6 +163,286 @@ void add_name(identifiers& ids, std::set<std::string>& seen, const std::string& 
   if (seen.insert(name).second) ids.names.push_back(name);
 }
 
+// "[name ...": the section a header line opens.
+std::string section_of(const std::vector<std::string>& words) {
+  std::string section = words[0].substr(1);
+  if (!section.empty() && section.back() == ']') section.pop_back();
+  return section;
+}
+
+// The identifier file: engines with their base names, hash families and
+// suffixes, tags, locks and protected tables, each in its section.
+class identifier_reader {
+ public:
+  identifier_reader(identifiers& ids, reporter& report)
+      : ids_(ids), report_(report), seen_(ids.names.begin(), ids.names.end()) {}
+
+  void header(const line_view& lv) {
+    section_ = section_of(lv.words);
+    current_engine_.reset();
+    if (section_ == "engine") {
+      if (auto e = engine_header(lv.words, lv.number, report_)) {
+        ids_.engines.push_back(*e);
+        current_engine_ = ids_.engines.size() - 1;
+      }
+    } else if (section_ == "locks") {
+      lock_family_ = locks_header(lv.words, lv.number, report_);
+    } else if (section_ != "hash_families" && section_ != "hash_suffixes" && section_ != "tags" &&
+               section_ != "protected") {
+      report_(lv.number, "unknown section '" + section_ + "'");
+    }
+  }
+
+  void word(int line, const std::string& w) {
+    if (!is_name(w)) {
+      report_(line, "'" + w + "' is not a name of capitals, digits and '_'");
+    } else if (section_ == "engine") {
+      base_name(line, w);
+    } else if (section_ == "hash_families") {
+      families_.push_back(w);
+    } else if (section_ == "hash_suffixes") {
+      suffixes_.push_back(w);
+    } else if (section_ == "tags") {
+      ids_.tags.insert(w);
+    } else if (section_ == "locks") {
+      locks_.push_back(w);
+      if (!ids_.lock_family.emplace(w, lock_family_).second) report_(line, "lock " + w + " stands twice");
+    } else if (section_ == "protected") {
+      ids_.protected_tables.insert(w);
+    } else {
+      report_(line, "name " + w + " outside any section");
+    }
+  }
+
+  // Every family with every suffix names a hash lookup; locks come last.
+  void finish() {
+    for (const std::string& f : families_) {
+      for (const std::string& s : suffixes_) {
+        ids_.hash_ids.insert(f + "_" + s);
+        add_name(ids_, seen_, f + "_" + s);
+      }
+    }
+    for (const std::string& l : locks_) add_name(ids_, seen_, l);
+  }
+
+ private:
+  void base_name(int line, const std::string& w) {
+    if (!current_engine_) return;
+    if (w.find("__") != std::string::npos) {
+      report_(line, "base name " + w + " holds '__', which separates a tag");
+    } else if (!ids_.engine_of.emplace(w, *current_engine_).second) {
+      report_(line, "base name " + w + " stands under two engines");
+    }
+    add_name(ids_, seen_, w);
+  }
+
+  identifiers& ids_;
+  reporter& report_;
+  std::set<std::string> seen_;
+  std::vector<std::string> families_;
+  std::vector<std::string> suffixes_;
+  std::vector<std::string> locks_;
+  std::string section_;
+  std::string lock_family_;
+  std::optional<std::size_t> current_engine_;
+};
+
+// The table file: the address of each table, by the line that names it; an
+// indented line names more tables at the address of the line before.
+class table_reader {
+ public:
+  table_reader(catalogue& cat, reporter& report) : cat_(cat), report_(report) {}
+
+  void header(const line_view& lv) {
+    section_ = section_of(lv.words);
+    current_.reset();
+    if (section_ == "global_blocks") {
+      global_blocks_header(lv);
+    } else if (section_ != "paged" && section_ != "direct" && section_ != "hash_spaces" && section_ != "hash_tables" &&
+               section_ != "lock_bitmaps") {
+      report_(lv.number, "unknown section '" + section_ + "'");
+    }
+  }
+
+  void line(const line_view& lv) {
+    const line_report line_fault = [this](int line, const std::string& what) { report_(line, what); };
+    if (section_ == "hash_spaces" || section_ == "hash_tables") {
+      (section_ == "hash_spaces" ? parse_hash_space : parse_hash_table)(lv.words, lv.number, cat_, line_fault);
+    } else if (section_ == "lock_bitmaps") {
+      parse_lock_bitmap(lv.words, lv.number, cat_, line_fault);
+    } else if (!lv.indented) {
+      address_line(lv);
+    } else if (!current_) {
+      report_(lv.number, "continuation line without a line to continue");
+    } else {
+      add_tables(lv, 0);
+    }
+  }
+
+ private:
+  // "[global_blocks base=<address> stride=<bytes>]"
+  void global_blocks_header(const line_view& lv) {
+    area_base_ = 0;
+    area_stride_ = 0;
+    for (std::size_t i = 1; i < lv.words.size(); ++i) {
+      std::string key;
+      std::string value;
+      std::string word = lv.words[i];
+      if (!word.empty() && word.back() == ']') word.pop_back();
+      auto n = split_attr(word, key, value) ? number_of(value) : std::nullopt;
+      if (n && key == "base") {
+        area_base_ = *n;
+      } else if (n && key == "stride") {
+        area_stride_ = *n;
+      } else {
+        report_(lv.number, "global_blocks takes base=<address> stride=<bytes>, not '" + word + "'");
+      }
+    }
+    if (area_stride_ == 0) report_(lv.number, "global_blocks without a stride");
+  }
+
+  // A line that gives an address, then the names of the tables there.
+  void address_line(const line_view& lv) {
+    std::optional<table_address> a;
+    if (section_ == "paged") {
+      a = paged_address(lv);
+    } else if (section_ == "direct") {
+      a = direct_address(lv);
+    } else if (section_ == "global_blocks") {
+      a = block_address(lv);
+    } else {
+      report_(lv.number, "line outside any section");
+      return;
+    }
+    current_ = a;
+    if (a) add_tables(lv, a->kind == addr_kind::global_block ? 1 : 2);
+  }
+
+  std::optional<table_address> paged_address(const line_view& lv) {
+    const std::vector<std::string>& w = lv.words;
+    auto tpd = number_of(w[0]);
+    auto bytes = w.size() > 1 ? number_of(w[1]) : std::nullopt;
+    if (!tpd || *tpd > 63 || !bytes || *bytes == 0) {
+      report_(lv.number, "a paged table line starts with <tpd_idx 0..63> <record bytes>");
+      return std::nullopt;
+    }
+    table_address a;
+    a.kind = addr_kind::paged;
+    a.tpd = *tpd;
+    a.record_bytes = *bytes;
+    if (!page_bytes_.emplace(a.tpd, a.record_bytes).second) {
+      report_(lv.number, "page descriptor " + w[0] + " has a second line");
+    }
+    return a;
+  }
+
+  std::optional<table_address> direct_address(const line_view& lv) {
+    const std::vector<std::string>& w = lv.words;
+    auto base = number_of(w[0]);
+    auto stride = w.size() > 1 ? number_of(w[1]) : std::nullopt;
+    if (!base || !stride || *stride == 0) {
+      report_(lv.number, "a direct table line starts with <base> <stride>");
+      return std::nullopt;
+    }
+    table_address a;
+    a.kind = addr_kind::direct;
+    a.base = *base;
+    a.stride = *stride;
+    return a;
+  }
+
+  std::optional<table_address> block_address(const line_view& lv) {
+    auto block = number_of(lv.words[0]);
+    if (!block) {
+      report_(lv.number, "block '" + lv.words[0] + "' is not a number");
+      return std::nullopt;
+    }
+    table_address a;
+    a.kind = addr_kind::global_block;
+    a.base = area_base_;
+    a.stride = area_stride_;
+    a.block = *block;
+    return a;
+  }
+
+  void add_tables(const line_view& lv, std::size_t first_name) {
+    for (std::size_t i = first_name; i < lv.words.size(); ++i) {
+      const std::string& name = lv.words[i];
+      if (!cat_.ids.engine_of.count(name)) {
+        report_(lv.number, "table " + name + " is no base name of the catalogue");
+      } else if (!cat_.tables.emplace(name, *current_).second) {
+        report_(lv.number, "table " + name + " has two addresses");
+      }
+    }
+  }
+
+  catalogue& cat_;
+  reporter& report_;
+  std::string section_;
+  std::optional<table_address> current_;  // address of the names on this line
+  std::uint32_t area_base_ = 0;
+  std::uint32_t area_stride_ = 0;
+  std::map<std::uint32_t, std::uint32_t> page_bytes_;  // tpd_idx -> record bytes
+};
+
+// "live=a,b": the groups in which the lookup's result is live.
+bool read_live_groups(const std::string& value, row& r, int line, reporter& report) {
+  bool ok = true;
+  std::size_t start = 0;
+  while (start <= value.size()) {
+    const std::size_t comma = value.find(',', start);
+    const std::string group = value.substr(start, comma - start);
+    if (group.empty()) {
+      report(line, "ID_" + r.id + ": empty live group in '" + value + "'");
+      ok = false;
+    } else {
+      r.live.push_back(group);
+    }
+    if (comma == std::string::npos) break;
+    start = comma + 1;
+  }
+  return ok;
+}
+
+// "slot=", "cell=", "bucket=", "key=", "res=": a data memory offset.
+bool read_place(const std::string& key, const std::string& value, row& r, int line, reporter& report) {
+  auto n = number_of(value);
+  if (!n) report(line, "ID_" + r.id + ": " + key + " '" + value + "' is not a number");
+  std::optional<std::uint32_t>& place = key == "slot"     ? r.slot
+                                        : key == "cell"   ? r.cell
+                                        : key == "bucket" ? r.bucket
+                                        : key == "key"    ? r.key
+                                                          : r.res;
+  place = n;
+  return n.has_value();
+}
+
+// One key=value attribute of a lookup row; false when it is refused.
+bool read_attribute(const std::string& key, const std::string& value, row& r, int line, reporter& report) {
+  if (key == "slot" || key == "cell" || key == "bucket" || key == "key" || key == "res") {
+    return read_place(key, value, r, line, report);
+  }
+  if (key == "type" || key == "calls") {
+    (key == "type" ? r.type : r.calls) = value;
+    if (is_cpp_name(value)) return true;
+    report(line, "ID_" + r.id + ": " + key + " '" + value + "' is not a C++ name");
+    return false;
+  }
+  if (key == "view") {
+    r.view = value;
+    return true;
+  }
+  if (key == "family") {
+    r.ipv6 = true;
+    if (value == "ipv6") return true;
+    report(line, "ID_" + r.id + ": family '" + value + "' is not ipv6");
+    return false;
+  }
+  if (key == "live") return read_live_groups(value, r, line, report);
+  report(line, "ID_" + r.id + ": unknown attribute '" + key + "'");
+  return false;
+}
+
 }  // namespace
 
 std::optional<std::uint32_t> number_of(const std::string& s) {
@@ -175,175 +457,26 @@ std::optional<std::uint32_t> number_of(const std::string& s) {
 
 void parse_identifiers(std::string_view text, const std::string& file, catalogue& cat, errors& errs) {
   reporter report(file, errs);
-  identifiers& ids = cat.ids;
-  std::set<std::string> seen(ids.names.begin(), ids.names.end());
-  std::vector<std::string> families;
-  std::vector<std::string> suffixes;
-  std::vector<std::string> locks;
-  std::string section;
-  std::string lock_family;
-  std::optional<std::size_t> current_engine;
+  identifier_reader reader(cat.ids, report);
   for (const line_view& lv : lines_of(text)) {
     if (lv.words[0].front() == '[') {
-      section = lv.words[0].substr(1);
-      if (!section.empty() && section.back() == ']') section.pop_back();
-      current_engine.reset();
-      if (section == "engine") {
-        if (auto e = engine_header(lv.words, lv.number, report)) {
-          ids.engines.push_back(*e);
-          current_engine = ids.engines.size() - 1;
-        }
-      } else if (section == "locks") {
-        lock_family = locks_header(lv.words, lv.number, report);
-      } else if (section != "hash_families" && section != "hash_suffixes" && section != "tags" &&
-                 section != "protected") {
-        report(lv.number, "unknown section '" + section + "'");
-      }
+      reader.header(lv);
       continue;
     }
-    for (const std::string& w : lv.words) {
-      if (!is_name(w)) {
-        report(lv.number, "'" + w + "' is not a name of capitals, digits and '_'");
-        continue;
-      }
-      if (section == "engine") {
-        if (!current_engine) continue;
-        if (w.find("__") != std::string::npos) {
-          report(lv.number, "base name " + w + " holds '__', which separates a tag");
-        } else if (!ids.engine_of.emplace(w, *current_engine).second) {
-          report(lv.number, "base name " + w + " stands under two engines");
-        }
-        add_name(ids, seen, w);
-      } else if (section == "hash_families") {
-        families.push_back(w);
-      } else if (section == "hash_suffixes") {
-        suffixes.push_back(w);
-      } else if (section == "tags") {
-        ids.tags.insert(w);
-      } else if (section == "locks") {
-        locks.push_back(w);
-        if (!ids.lock_family.emplace(w, lock_family).second) report(lv.number, "lock " + w + " stands twice");
-      } else if (section == "protected") {
-        ids.protected_tables.insert(w);
-      } else {
-        report(lv.number, "name " + w + " outside any section");
-      }
-    }
+    for (const std::string& w : lv.words) reader.word(lv.number, w);
   }
-  for (const std::string& f : families) {
-    for (const std::string& s : suffixes) {
-      ids.hash_ids.insert(f + "_" + s);
-      add_name(ids, seen, f + "_" + s);
-    }
-  }
-  for (const std::string& l : locks) add_name(ids, seen, l);
+  reader.finish();
 }
 
 void parse_tables(std::string_view text, const std::string& file, catalogue& cat, errors& errs) {
   reporter report(file, errs);
-  std::string section;
-  std::optional<table_address> current;  // address of the names on this line
-  std::uint32_t area_base = 0;
-  std::uint32_t area_stride = 0;
-  auto add_table = [&](int line, const std::string& name, const table_address& a) {
-    if (!cat.ids.engine_of.count(name)) {
-      report(line, "table " + name + " is no base name of the catalogue");
-    } else if (!cat.tables.emplace(name, a).second) {
-      report(line, "table " + name + " has two addresses");
-    }
-  };
-  std::map<std::uint32_t, std::uint32_t> page_bytes;  // tpd_idx -> record bytes
+  table_reader reader(cat, report);
   for (const line_view& lv : lines_of(text)) {
-    const std::vector<std::string>& w = lv.words;
-    if (w[0].front() == '[') {
-      section = w[0].substr(1);
-      if (!section.empty() && section.back() == ']') section.pop_back();
-      current.reset();
-      if (section == "global_blocks") {
-        area_base = 0;
-        area_stride = 0;
-        for (std::size_t i = 1; i < w.size(); ++i) {
-          std::string key;
-          std::string value;
-          std::string word = w[i];
-          if (!word.empty() && word.back() == ']') word.pop_back();
-          auto n = split_attr(word, key, value) ? number_of(value) : std::nullopt;
-          if (n && key == "base") {
-            area_base = *n;
-          } else if (n && key == "stride") {
-            area_stride = *n;
-          } else {
-            report(lv.number, "global_blocks takes base=<address> stride=<bytes>, not '" + word + "'");
-          }
-        }
-        if (area_stride == 0) report(lv.number, "global_blocks without a stride");
-      } else if (section != "paged" && section != "direct" && section != "hash_spaces" &&
-                 section != "hash_tables" && section != "lock_bitmaps") {
-        report(lv.number, "unknown section '" + section + "'");
-      }
-      continue;
+    if (lv.words[0].front() == '[') {
+      reader.header(lv);
+    } else {
+      reader.line(lv);
     }
-    const line_report line_fault = [&](int line, const std::string& what) { report(line, what); };
-    if (section == "hash_spaces" || section == "hash_tables") {
-      (section == "hash_spaces" ? parse_hash_space : parse_hash_table)(w, lv.number, cat, line_fault);
-      continue;
-    }
-    if (section == "lock_bitmaps") {
-      parse_lock_bitmap(w, lv.number, cat, line_fault);
-      continue;
-    }
-    std::size_t first_name = 0;
-    if (!lv.indented) {
-      table_address a;
-      if (section == "paged") {
-        auto tpd = number_of(w[0]);
-        auto bytes = w.size() > 1 ? number_of(w[1]) : std::nullopt;
-        if (!tpd || *tpd > 63 || !bytes || *bytes == 0) {
-          report(lv.number, "a paged table line starts with <tpd_idx 0..63> <record bytes>");
-          current.reset();
-          continue;
-        }
-        a.kind = addr_kind::paged;
-        a.tpd = *tpd;
-        a.record_bytes = *bytes;
-        first_name = 2;
-        if (!page_bytes.emplace(a.tpd, a.record_bytes).second) {
-          report(lv.number, "page descriptor " + w[0] + " has a second line");
-        }
-      } else if (section == "direct") {
-        auto base = number_of(w[0]);
-        auto stride = w.size() > 1 ? number_of(w[1]) : std::nullopt;
-        if (!base || !stride || *stride == 0) {
-          report(lv.number, "a direct table line starts with <base> <stride>");
-          current.reset();
-          continue;
-        }
-        a.kind = addr_kind::direct;
-        a.base = *base;
-        a.stride = *stride;
-        first_name = 2;
-      } else if (section == "global_blocks") {
-        auto block = number_of(w[0]);
-        if (!block) {
-          report(lv.number, "block '" + w[0] + "' is not a number");
-          current.reset();
-          continue;
-        }
-        a.kind = addr_kind::global_block;
-        a.base = area_base;
-        a.stride = area_stride;
-        a.block = *block;
-        first_name = 1;
-      } else {
-        report(lv.number, "line outside any section");
-        continue;
-      }
-      current = a;
-    } else if (!current) {
-      report(lv.number, "continuation line without a line to continue");
-      continue;
-    }
-    for (std::size_t i = first_name; i < w.size(); ++i) add_table(lv.number, w[i], *current);
   }
 }
 
@@ -364,50 +497,7 @@ void parse_lookups(std::string_view text, const std::string& file, catalogue& ca
       if (!split_attr(lv.words[i], key, value) || value.empty()) {
         report(lv.number, "ID_" + r.id + ": '" + lv.words[i] + "' is not key=value");
         ok = false;
-        continue;
-      }
-      if (key == "slot" || key == "cell" || key == "bucket" || key == "key" || key == "res") {
-        auto n = number_of(value);
-        if (!n) {
-          report(lv.number, "ID_" + r.id + ": " + key + " '" + value + "' is not a number");
-          ok = false;
-        }
-        std::optional<std::uint32_t>& place = key == "slot"     ? r.slot
-                                              : key == "cell"   ? r.cell
-                                              : key == "bucket" ? r.bucket
-                                              : key == "key"    ? r.key
-                                                                : r.res;
-        place = n;
-      } else if (key == "type" || key == "calls") {
-        if (!is_cpp_name(value)) {
-          report(lv.number, "ID_" + r.id + ": " + key + " '" + value + "' is not a C++ name");
-          ok = false;
-        }
-        (key == "type" ? r.type : r.calls) = value;
-      } else if (key == "view") {
-        r.view = value;
-      } else if (key == "family") {
-        if (value != "ipv6") {
-          report(lv.number, "ID_" + r.id + ": family '" + value + "' is not ipv6");
-          ok = false;
-        }
-        r.ipv6 = true;
-      } else if (key == "live") {
-        std::size_t start = 0;
-        while (start <= value.size()) {
-          const std::size_t comma = value.find(',', start);
-          const std::string group = value.substr(start, comma - start);
-          if (group.empty()) {
-            report(lv.number, "ID_" + r.id + ": empty live group in '" + value + "'");
-            ok = false;
-          } else {
-            r.live.push_back(group);
-          }
-          if (comma == std::string::npos) break;
-          start = comma + 1;
-        }
-      } else {
-        report(lv.number, "ID_" + r.id + ": unknown attribute '" + key + "'");
+      } else if (!read_attribute(key, value, r, lv.number, report)) {
         ok = false;
       }
     }

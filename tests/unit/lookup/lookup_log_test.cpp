@@ -1,5 +1,8 @@
 // The lookup log: header and result per entry in the thread's segment, the
 // first cells of data memory kept, and no entry past the segment's end.
+#include <vector>
+
+#include "dplane/infra/debug_switches.h"
 #include "lookup_test_util.h"
 
 namespace {
@@ -10,8 +13,12 @@ constexpr std::uint32_t LOG_BASE = 0x29E1CE40;
 constexpr std::uint32_t THREAD_STRIDE = 7296;
 constexpr std::uint32_t SEGMENT_UNITS = 1792 / 32;
 
-// The segment offset is the debugger's to set; the test starts it at 0.
-void start_log(env_t env) { ps_put_def_thread_lookup_trace(env)->bits = 0; }
+// The segment offset is the debugger's to set; the test starts it at 0, with
+// logging on.
+void start_log(env_t env) {
+  ps_put_def_thread_lookup_trace(env)->bits = 0;
+  enable_lookup_logging(env);
+}
 
 std::uint32_t segment_offset(env_t env) {
   return thread_lookup_trace_st::segment_offset::get(*ps_get_thread_lookup_trace(env));
@@ -57,6 +64,29 @@ TEST(LookupLog, EntryPastTheSegmentEndIsLeftOut) {
   });
   EXPECT_EQ(h.npu().memory().read_u32(LOG_BASE + (SEGMENT_UNITS - 2) * 32), 0x01400020u);
   EXPECT_EQ(h.npu().memory().read_u32(LOG_BASE + SEGMENT_UNITS * 32), 0u);
+}
+
+// The switch is the process's: set on the test's thread, an NPU thread's next
+// call obeys it, whichever thread set it last.
+TEST(LookupLog, SwitchSetOnOneThreadHoldsOnTheNpuThreads) {
+  testkit::npu_harness h(1, 2);
+  std::vector<std::uint32_t> offsets;
+  auto log_once = [&](std::uint32_t thread) {
+    h.on_thread(
+        [&](env_t env) {
+          log_lookup_result(env, ID_UIDB_L3_ING__COMM, "x", 0x140, 32);
+          offsets.push_back(segment_offset(env));
+        },
+        0, thread);
+  };
+  h.on_thread([&](env_t env) { start_log(env); }, 0, 1);
+  debug_switch_set(debug_switch::lookup_log, false);
+  log_once(1);
+  debug_switch_set(debug_switch::lookup_log, true);
+  log_once(1);
+  h.on_thread([&](env_t env) { clear_lookup_logging(env); }, 0, 0);
+  log_once(1);
+  EXPECT_EQ(offsets, (std::vector<std::uint32_t>{0, 2, 2}));  // an entry is a header unit and a result unit
 }
 
 }  // namespace
