@@ -3,7 +3,7 @@
 #include "dma_common.h"
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/handlers.h"
 #include "pkt_rx.h"
 
 namespace {

@@ -29,8 +29,16 @@ struct nph_handler_init_t {
   nph_fn_type handler;
 };
 
-inline constexpr std::uint32_t ING_HANDLER_COUNT = 14;
-inline constexpr std::uint32_t NPH_HANDLER_COUNT = 26;
+inline constexpr std::uint32_t ING_HANDLER_COUNT = 0
+#define ING_HANDLER(vector, handler) +1
+#include "ing_handlers.def"
+#undef ING_HANDLER
+    ;
+inline constexpr std::uint32_t NPH_HANDLER_COUNT = 0
+#define NPH_HANDLER(type, handler) +1
+#include "nph_handlers.def"
+#undef NPH_HANDLER
+    ;
 inline constexpr std::uint32_t ING_MAX_WIRE_VECTOR = 12;
 
 // Every thread fills the tables at its start, with the same contents, while
@@ -59,6 +67,3 @@ constexpr std::uint32_t nph_type_to_ep_table_index(std::uint32_t nph_type) {
   if (nph_type <= 34) return nph_type + 29;
   return nph_type - 28;
 }
-
-void drop_packet_bad_nph_shim(env_t env);
-void plat_process_inject_shim(env_t env);

@@ -7,7 +7,7 @@
 #include "dplane/infra/env_init.h"
 #include "dplane/infra/lookup.h"
 #include "npu/zephra/pkt_rx.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/handlers.h"
 #include "platform/varn/entry_points.h"
 
 namespace {

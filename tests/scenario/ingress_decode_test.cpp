@@ -12,7 +12,7 @@
 #include "ctrl/uidb_records.h"
 #include "names/counter_names.h"
 #include "pktlib/packet_builder.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
 #include "testkit/line_card.h"
 #include "testkit/param_names.h"
 

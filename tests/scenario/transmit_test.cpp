@@ -18,14 +18,14 @@
 #include "npu/zephra/pkt_rx.h"
 #include "npu/zephra/xmit_fab.h"
 #include "pktlib/pcap_file.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "platform/varn/line_hdr.h"
 #include "testkit/fabric_path.h"
 #include "testkit/line_card.h"
 #include "testkit/tshark.h"
-#include "testkit/test_handler.h"
+#include "testkit/dispatch_probe.h"
 #include "unit/pktlib/scratch_dir.h"
 
 namespace {
@@ -74,7 +74,7 @@ class Transmit : public ::testing::Test {
   // A UDP frame from IN_PORT, through the parser to the IPv4 fast path,
   // whose place `ingress` takes.
   model::packet_outcome receive(std::function<void(env_t)> ingress, std::size_t udp_payload = 8) {
-    testkit::install_test_handler(lc.harness(), std::move(ingress));
+    testkit::probe_vector(lc.harness(), testkit::TEST_VECTOR, std::move(ingress));
     return lc.receive(IN_PORT, udp_frame(udp_payload));
   }
 

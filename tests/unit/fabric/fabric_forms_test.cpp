@@ -8,7 +8,7 @@
 #include "ctrl/counters.h"
 #include "dma_common.h"
 #include "npu/zephra/xmit_fab.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
 #include "tests/unit/fabric/fabric_fixture.h"
 #include "testkit/param_names.h"
 

@@ -8,7 +8,7 @@
 #include "dplane/infra/drop.h"
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/xmit_fab.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "tests/unit/fabric/fabric_fixture.h"
 

@@ -10,7 +10,7 @@
 
 #include "dma_common.h"
 #include "dplane/infra/ps.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
 #include "testkit/npu_harness.h"
 
 namespace ft {
