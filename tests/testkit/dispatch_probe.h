@@ -10,6 +10,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <ostream>
 #include <utility>
 #include <vector>
 
@@ -31,6 +32,11 @@ struct probe_call {
   bool operator==(const probe_call&) const = default;
 };
 
+inline void PrintTo(const probe_call& c, std::ostream* os) {
+  *os << (c.table == dispatch_table::ingress ? "vector " : "fabric header type ") << c.row << ", global feature "
+      << c.global_feature_enabled;
+}
+
 using probe_body = std::function<void(env_t)>;
 
 // Ends the packet with no counter: the default body.
@@ -40,7 +46,8 @@ namespace detail {
 struct probe_state {
   std::mutex lock;
   std::vector<probe_call> calls;
-  probe_body body = probe_end_packet;
+  probe_body ingress_body = probe_end_packet;
+  probe_body fabric_body = probe_end_packet;
 };
 inline probe_state& probe() {
   static probe_state state;
@@ -51,7 +58,8 @@ inline void probe_ran(env_t env, probe_call call) {
     std::lock_guard guard(probe().lock);
     probe().calls.push_back(call);
   }
-  probe().body(env);
+  probe_state& p = probe();
+  (call.table == dispatch_table::ingress ? p.ingress_body : p.fabric_body)(env);
 }
 template <std::uint32_t vector>
 void ing_probe(env_t env, boolean_t global_feature_enabled) {
@@ -69,17 +77,19 @@ inline constexpr auto nph_probes = []<std::size_t... t>(std::index_sequence<t...
   return std::array<nph_fn_type, sizeof...(t)>{&nph_probe<t>...};
 }
 (std::make_index_sequence<64>{});
-inline void set_body(probe_body body) {
+inline void set_body(dispatch_table table, probe_body body) {
   std::lock_guard guard(probe().lock);
   probe().calls.clear();
-  probe().body = body ? std::move(body) : probe_body(probe_end_packet);
+  probe_body& b = table == dispatch_table::ingress ? probe().ingress_body : probe().fabric_body;
+  b = body ? std::move(body) : probe_body(probe_end_packet);
 }
 }  // namespace detail
 
-// Puts the probe at `vector` of the ingress table (shared by all threads,
-// which fill it when they start), with `body` or the default body.
+// Puts the probe at `vector` of the ingress table (shared by the threads of
+// every NPU, which fill it when they start), with `body` or the default body.
+// The probes of one table share their body.
 inline void probe_vector(npu_harness& h, std::uint32_t vector, probe_body body = {}) {
-  detail::set_body(std::move(body));
+  detail::set_body(dispatch_table::ingress, std::move(body));
   h.on_thread([vector](env_t) {
     std::atomic_ref(ing_ep.entry_point[vector]).store(detail::ing_probes[vector], std::memory_order_relaxed);
   });
@@ -87,18 +97,25 @@ inline void probe_vector(npu_harness& h, std::uint32_t vector, probe_body body =
 
 // Puts the probe at fabric header type `type` of the fabric table.
 inline void probe_nph_type(npu_harness& h, std::uint32_t type, probe_body body = {}) {
-  detail::set_body(std::move(body));
+  detail::set_body(dispatch_table::fabric, std::move(body));
   h.on_thread([type](env_t) {
     std::atomic_ref(nph_ep.entry_point[nph_type_to_ep_table_index(type)])
         .store(detail::nph_probes[type], std::memory_order_relaxed);
   });
 }
 
-// The probe's runs since it was put in place.
-inline std::vector<probe_call> probe_calls() {
+// The probe's runs since it was put in place or last asked, in order.
+inline std::vector<probe_call> take_probe_calls() {
   std::lock_guard guard(detail::probe().lock);
-  return detail::probe().calls;
+  return std::exchange(detail::probe().calls, {});
 }
+
+// A run of the probe at ingress vector `vector`, or at fabric header type `type`.
+inline probe_call ran_at_vector(std::uint32_t vector, boolean_t global_feature_enabled = FALSE) {
+  return {dispatch_table::ingress, vector, global_feature_enabled};
+}
+inline probe_call ran_at_nph_type(std::uint32_t type) { return {dispatch_table::fabric, type, FALSE}; }
+using probe_calls = std::vector<probe_call>;
 
 // The vector at which tests play a path's handler through the probe.
 inline constexpr std::uint32_t TEST_VECTOR = ING_VECTOR_IPV4_UNICAST;

@@ -127,7 +127,8 @@ TEST(RecordLayout, SharedFieldsStandWhereThePlatformPutsThem) {
       {"issu_vbit", ones<fhpdma_bufhdr_type::issu_vbit, fhpdma_bufhdr_type>(), {{0, 0x80}}},
       {"pdma pkt_type", ones<fhpdma_bufhdr_type::pkt_type, fhpdma_bufhdr_type>(), {{0, 0x03}}},
       {"sat_port_unicast_state",
-       ones<ingress_port_fields_part1_st::sat_port_unicast_state, ingress_port_fields_part1_st>(), {{6, 0x10}}},
+       ones<ingress_port_fields_part1_st::sat_port_unicast_state, ingress_port_fields_part1_st>(),
+       {{6, 0x10}}},
   };
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);

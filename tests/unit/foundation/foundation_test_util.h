@@ -11,6 +11,7 @@
 #include "dma_common.h"
 #include "dplane/infra/ps.h"
 #include "platform/shared/placeholder.h"
+#include "testkit/dispatch_probe.h"
 #include "testkit/npu_harness.h"
 
 namespace ft {
