@@ -29,6 +29,7 @@ struct nph_handler_init_t {
   nph_fn_type handler;
 };
 
+// The number of rows of each table list.
 inline constexpr std::uint32_t ING_HANDLER_COUNT = 0
 #define ING_HANDLER(vector, handler) +1
 #include "ing_handlers.def"
