@@ -21,6 +21,29 @@ constexpr ing_fn_type ing_entry() {
     return [](env_t env, boolean_t) { handler(env); };
   }
 }
+
+// A vector or header type listed twice would leave one of its rows unused.
+template <std::size_t N>
+constexpr bool all_distinct(const std::uint32_t (&keys)[N]) {
+  for (std::size_t i = 0; i < N; ++i) {
+    for (std::size_t j = i + 1; j < N; ++j) {
+      if (keys[i] == keys[j]) return false;
+    }
+  }
+  return true;
+}
+constexpr std::uint32_t ing_vectors[] = {
+#define ING_HANDLER(vector, handler) vector,
+#include "ing_handlers.def"
+#undef ING_HANDLER
+};
+constexpr std::uint32_t nph_types[] = {
+#define NPH_HANDLER(type, handler) type,
+#include "nph_handlers.def"
+#undef NPH_HANDLER
+};
+static_assert(all_distinct(ing_vectors), "a vector has two rows in ing_handlers.def");
+static_assert(all_distinct(nph_types), "a fabric header type has two rows in nph_handlers.def");
 }  // namespace
 
 const ing_handler_init_t ing_handlers[ING_HANDLER_COUNT] = {
