@@ -3,7 +3,7 @@
 #include "fwc_uidb.h"
 #include "lookup.h"
 #include "npu/zephra/pkt_rx.h"
-#include "platform/shared/unbuilt_feature_steps.h"
+#include "platform/shared/feature_steps.h"
 #include "ps.h"
 
 namespace {

@@ -2,7 +2,7 @@
 // egress paths, and the form of each path (tail_paths.def). A step runs when
 // its function is owed and the path is of a kind the step's form serves;
 // the few functions with several forms have one step per form.
-#include "platform/shared/unbuilt_tail_functions.h"
+#include "platform/shared/tail_functions.h"
 #include "ps.h"
 #include "tail_proc.h"
 

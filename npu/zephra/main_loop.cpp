@@ -3,7 +3,7 @@
 #include "arch_tie.h"
 #include "dma_common.h"
 #include "dplane/infra/ps.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/handlers.h"
 #include "platform/varn/entry_points.h"
 #include "platform/varn/rx_dispatch.h"
 #include "pkt_rx.h"

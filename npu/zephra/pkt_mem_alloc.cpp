@@ -4,7 +4,7 @@
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
 #include "global_counters.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/handlers.h"
 #include "pkt_rx.h"
 
 namespace {

@@ -1,64 +1,61 @@
 #include "entry_points.h"
 
+#include <type_traits>
+
 #include "dplane/infra/drop.h"
-#include "platform/shared/unbuilt_handlers.h"
-#include "rx_exceptions.h"
+#include "fab_hdr.h"
+#include "npu/zephra/pkt_rx.h"
+#include "platform/shared/handlers.h"
 
 ing_entry_point_t ing_ep;
 nph_entry_point_t nph_ep;
 
 namespace {
-// Entry points of the L2 paths, which take no global-feature argument.
-void vpws_ing_ep(env_t env, boolean_t) { vpws_ing(env); }
-void vpls_ing_ep(env_t env, boolean_t) { vpls_ing(env); }
-void l2_ctrl_ing_ep(env_t env, boolean_t) { l2_ctrl_ing(env); }
-void handle_non_wire_vector_ep(env_t env, boolean_t) { handle_non_wire_vector(env); }
+// The ingress entry of a handler: the handler itself, or for one that takes
+// no global-feature argument (the L2 paths) an adapter that drops it.
+template <auto handler>
+constexpr ing_fn_type ing_entry() {
+  if constexpr (std::is_convertible_v<decltype(handler), ing_fn_type>) {
+    return handler;
+  } else {
+    return [](env_t env, boolean_t) { handler(env); };
+  }
+}
+
+// A vector or header type listed twice would leave one of its rows unused.
+template <std::size_t N>
+constexpr bool all_distinct(const std::uint32_t (&keys)[N]) {
+  for (std::size_t i = 0; i < N; ++i) {
+    for (std::size_t j = i + 1; j < N; ++j) {
+      if (keys[i] == keys[j]) return false;
+    }
+  }
+  return true;
+}
+constexpr std::uint32_t ing_vectors[] = {
+#define ING_HANDLER(vector, handler) vector,
+#include "ing_handlers.def"
+#undef ING_HANDLER
+};
+constexpr std::uint32_t nph_types[] = {
+#define NPH_HANDLER(type, handler) type,
+#include "nph_handlers.def"
+#undef NPH_HANDLER
+};
+static_assert(all_distinct(ing_vectors), "a vector has two rows in ing_handlers.def");
+static_assert(all_distinct(nph_types), "a fabric header type has two rows in nph_handlers.def");
 }  // namespace
 
 const ing_handler_init_t ing_handlers[ING_HANDLER_COUNT] = {
-    {13, handle_non_wire_vector_ep},
-    {0, ipv4_ing_perf},
-    {1, ipm4_ing_perf},
-    {2, ipv6_ing_perf},
-    {3, ipm6_ing_perf},
-    {4, mpls_ing_perf},
-    {5, vpws_ing_ep},
-    {6, vpls_ing_ep},
-    {12, l2_ctrl_ing_ep},
-    {7, handle_ipv4_exception},
-    {8, handle_ipv6_exception},
-    {9, handle_mpls_exception},
-    {10, handle_vpws_exception},
-    {11, handle_vpls_exception},
+#define ING_HANDLER(vector, handler) {vector, ing_entry<&handler>()},
+#include "ing_handlers.def"
+#undef ING_HANDLER
 };
 
 const nph_handler_init_t nph_handlers[NPH_HANDLER_COUNT] = {
-    {0, drop_packet_bad_nph_shim},
-    {35, ip_nhindex_egr},
-    {32, ipv4_egr},
-    {19, ipv4_egr},
-    {1, ipv4_egr},
-    {34, ipv6_egr},
-    {23, ipv6_egr},
-    {3, ipv6_egr},
-    {37, vpls_egr_uni},
-    {7, vpls_egr_uni},
-    {6, vpws_egr},
-    {5, mpls_egr},
-    {33, mpls_egr},
-    {8, vpls_egr_fld},
-    {36, mpls_nhindex_egr},
-    {2, ipm4_egr},
-    {4, ipm6_egr},
-    {10, vpls_egr_mn},
-    {17, handle_efm_egr},
-    {9, l2m4_egr},
-    {25, l2m6_egr},
-    {12, vpws_egr_xc_ac_ip},
-    {21, l2tpv2_disp_egr_xc_ac_vpdn},
-    {15, plat_process_inject_shim},
-    {16, mofrr_frr_msg_rx},
-    {63, plat_process_inject_shim},
+#define NPH_HANDLER(type, handler) {type, handler},
+#include "nph_handlers.def"
+#undef NPH_HANDLER
 };
 
 namespace {

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "fwc_types.h"
+#include "ingress_vectors.h"
 
 using ing_fn_type = void (*)(env_t env, boolean_t global_feature_enabled);
 using nph_fn_type = void (*)(env_t env);
@@ -29,9 +30,19 @@ struct nph_handler_init_t {
   nph_fn_type handler;
 };
 
-inline constexpr std::uint32_t ING_HANDLER_COUNT = 14;
-inline constexpr std::uint32_t NPH_HANDLER_COUNT = 26;
-inline constexpr std::uint32_t ING_MAX_WIRE_VECTOR = 12;
+// The number of rows of each table list.
+inline constexpr std::uint32_t ING_HANDLER_COUNT = 0
+#define ING_HANDLER(vector, handler) +1
+#include "ing_handlers.def"
+#undef ING_HANDLER
+    ;
+inline constexpr std::uint32_t NPH_HANDLER_COUNT = 0
+#define NPH_HANDLER(type, handler) +1
+#include "nph_handlers.def"
+#undef NPH_HANDLER
+    ;
+// Vectors above the last wire vector come from inject and time-stamp queues.
+inline constexpr std::uint32_t ING_MAX_WIRE_VECTOR = VECTOR_L2_CONTROL;
 
 // Every thread fills the tables at its start, with the same contents, while
 // other threads may already dispatch through them: each entry is stored and
@@ -59,6 +70,3 @@ constexpr std::uint32_t nph_type_to_ep_table_index(std::uint32_t nph_type) {
   if (nph_type <= 34) return nph_type + 29;
   return nph_type - 28;
 }
-
-void drop_packet_bad_nph_shim(env_t env);
-void plat_process_inject_shim(env_t env);

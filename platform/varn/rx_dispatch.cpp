@@ -7,7 +7,7 @@
 #include "global_counters.h"
 #include "npu/zephra/pkt_buf.h"
 #include "pdma_hdr.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/handlers.h"
 #include "rx_exceptions.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include "global_counters.h"
 #include "ingress_vectors.h"
 #include "npu/zephra/pkt_rx.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/handlers.h"
 #include "platform/varn/entry_points.h"
 
 namespace {

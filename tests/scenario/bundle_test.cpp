@@ -21,7 +21,7 @@
 #include "testkit/bundles.h"
 #include "testkit/fabric_path.h"
 #include "testkit/line_card.h"
-#include "testkit/test_handler.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 
@@ -90,7 +90,7 @@ class BundleAcrossFabric : public ::testing::Test {
   // chooses the member into the unicast header and sends; `in_flight` runs
   // after the choice, before the send.
   model::packet_outcome receive(std::uint32_t raw_hash, std::function<void()> in_flight = [] {}) {
-    testkit::install_test_handler(lc.harness(), [raw_hash, in_flight](env_t env) {
+    testkit::probe_vector(lc.harness(), testkit::TEST_VECTOR, [raw_hash, in_flight](env_t env) {
       std::uint8_t* fab = testkit::write_ipv4_uni_header(env, IF_HANDLE);
       if (lag_process_l3_ing(env, fab, BUNDLE, raw_hash) != RC_SUCCESS) return;
       in_flight();

@@ -18,14 +18,13 @@
 #include "npu/zephra/pkt_rx.h"
 #include "npu/zephra/xmit_fab.h"
 #include "pktlib/pcap_file.h"
-#include "platform/shared/unbuilt_handlers.h"
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "platform/varn/line_hdr.h"
+#include "testkit/dispatch_probe.h"
 #include "testkit/fabric_path.h"
 #include "testkit/line_card.h"
 #include "testkit/tshark.h"
-#include "testkit/test_handler.h"
 #include "unit/pktlib/scratch_dir.h"
 
 namespace {
@@ -50,8 +49,8 @@ const std::vector<std::uint32_t> FGID_NPUS = {1, 3};
 const std::vector<std::uint32_t> FGID_LOW_NPUS = {2};
 constexpr std::uint32_t MGID = 0x5A5A5;
 constexpr std::uint32_t OUT_QUEUE = 0x1234;
-constexpr std::uint32_t OUT_PORT = 9;       // where OUT_QUEUE leads
-constexpr std::uint32_t QSM_NP_PORT = 17;   // the NPU port of a send from the ingress buffer
+constexpr std::uint32_t OUT_PORT = 9;      // where OUT_QUEUE leads
+constexpr std::uint32_t QSM_NP_PORT = 17;  // the NPU port of a send from the ingress buffer
 constexpr std::uint32_t FAB_HDR_BYTES_MC = nph_length_bytes(NPH_LENGTH_44);
 constexpr std::uint32_t IF_HANDLE = 0x101;
 constexpr std::uint32_t LINE_GATHER_REQ_LOC = 0x40;
@@ -74,7 +73,7 @@ class Transmit : public ::testing::Test {
   // A UDP frame from IN_PORT, through the parser to the IPv4 fast path,
   // whose place `ingress` takes.
   model::packet_outcome receive(std::function<void(env_t)> ingress, std::size_t udp_payload = 8) {
-    testkit::install_test_handler(lc.harness(), std::move(ingress));
+    testkit::probe_vector(lc.harness(), testkit::TEST_VECTOR, std::move(ingress));
     return lc.receive(IN_PORT, udp_frame(udp_payload));
   }
 
@@ -143,6 +142,7 @@ void send_to_queue(env_t env, std::uint32_t queue) {
 
 TEST_F(Transmit, UnicastFrameArrivesOnTheNpuOfItsVqiWithItsHeader) {
   std::vector<std::uint32_t> pieces;
+  testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_UNI);
   // A bare IPv4 header: 20 bytes behind a 32-byte fabric header.
   const model::packet_outcome o = receive(
       [&](env_t env) {
@@ -160,7 +160,8 @@ TEST_F(Transmit, UnicastFrameArrivesOnTheNpuOfItsVqiWithItsHeader) {
 
   const std::vector<model::packet_outcome> arrived = lc.harness().run(VQI_NPU);
   ASSERT_EQ(arrived.size(), 1u);
-  EXPECT_EQ(arrived[0].placeholder, static_cast<std::int32_t>(UNBUILT_ipv4_egr));
+  EXPECT_EQ(testkit::take_probe_calls(), (testkit::probe_calls{testkit::ran_at_vector(testkit::TEST_VECTOR),
+                                                               testkit::ran_at_nph_type(NPH_TYPE_IPV4_UNI)}));
   const bytes frame = o.sent[0].bytes;
   ASSERT_EQ(frame.size(), 64u);
   const auto& hdr = *reinterpret_cast<const dc3_nph_st*>(frame.data());
@@ -177,6 +178,7 @@ TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAndNoOther) {
   EXPECT_NE(unmapped.note.find("fabric group " + std::to_string(FGID + 1) + " maps to no NPU"), std::string::npos)
       << unmapped.note;
 
+  testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_MC);
   const model::packet_outcome o = receive([](env_t env) { send_to_group(env, FGID); });
   ASSERT_EQ(o.sent.size(), 1u);
   EXPECT_EQ(o.sent[0].port, FGID);
@@ -186,11 +188,14 @@ TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAndNoOther) {
     const bool member = std::count(FGID_NPUS.begin(), FGID_NPUS.end(), n) != 0;
     ASSERT_EQ(arrived.size(), member ? 1u : 0u) << "NPU " << n;
     if (!member) continue;
-    EXPECT_EQ(arrived[0].placeholder, static_cast<std::int32_t>(UNBUILT_ipm4_egr));
     dist_hdr_fabric_st dist;
     std::memcpy(dist.bytes, arrived[0].dist_hdr.data(), sizeof dist.bytes);
     EXPECT_EQ(dist_hdr_fabric_st::mcast::get(dist), 1u);
   }
+  // Each member's copy ran the egress row of IPv4 multicast.
+  const testkit::probe_calls calls = testkit::take_probe_calls();
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), testkit::ran_at_nph_type(NPH_TYPE_IPV4_MC)),
+            static_cast<std::ptrdiff_t>(FGID_NPUS.size()));
 }
 
 // The frame that left for port `port`, as tshark reads it.
@@ -205,8 +210,8 @@ void expect_ethernet_frame_to_next_hop(const model::sent_frame& f, std::uint32_t
   pkt::scratch_dir dir;
   const std::vector<pkt::pcap_record> records = {{std::chrono::seconds(1), f.bytes}};
   pkt::write_pcap(dir.file("line.pcap"), records);
-  const std::vector<std::string> fields = {"eth.dst", "eth.src", "ip.dst", "udp.dstport", "ip.checksum.status",
-                                           "udp.checksum.status"};
+  const std::vector<std::string> fields = {
+      "eth.dst", "eth.src", "ip.dst", "udp.dstport", "ip.checksum.status", "udp.checksum.status"};
   const auto frames = testkit::dissect(dir.file("line.pcap"), fields, dir.file("stderr"));
   ASSERT_EQ(frames.size(), 1u) << testkit::read_file(dir.file("stderr"));
   EXPECT_EQ(frames[0].at("eth.dst"), "02:00:00:00:00:42");
@@ -241,8 +246,7 @@ TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
   const std::vector<model::packet_outcome> egress = lc.harness().run(VQI_NPU);
   ASSERT_EQ(egress.size(), 2u);
   EXPECT_TRUE(egress[0].sent.empty());
-  EXPECT_NE(egress[0].note.find("queue " + std::to_string(OUT_QUEUE + 1) + " maps to no line port"),
-            std::string::npos)
+  EXPECT_NE(egress[0].note.find("queue " + std::to_string(OUT_QUEUE + 1) + " maps to no line port"), std::string::npos)
       << egress[0].note;
   ASSERT_EQ(egress[1].sent.size(), 1u);
   expect_ethernet_frame_to_next_hop(egress[1].sent[0], OUT_PORT);

@@ -7,7 +7,7 @@
 #include "ctrl/counters.h"
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
 #include "fab_hdr_report.h"
 #include "platform/varn/dist_hdr.h"
 #include "platform/varn/fab_hdr.h"

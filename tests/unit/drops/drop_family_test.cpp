@@ -10,8 +10,8 @@
 #include "dplane/infra/drop_paths.h"
 #include "dplane/infra/lookup.h"
 #include "npu/zephra/pkt_rx.h"
-#include "platform/shared/unbuilt_handlers.h"
-#include "testkit/test_handler.h"
+#include "platform/shared/placeholder.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ std::string reached(const model::packet_outcome& o) {
 class DropFamily : public ::testing::Test {
  protected:
   model::packet_outcome one(std::function<void(env_t)> body, std::uint32_t len = 64) {
-    testkit::install_test_handler(h, std::move(body));
+    testkit::probe_vector(h, testkit::TEST_VECTOR, std::move(body));
     return h.one(packet_of(len));
   }
   void set_up_interface(const uidb_l3_ing_fields_st& features = {}) {
@@ -104,7 +104,7 @@ TEST_P(CaptureFilter, TakesOnlyWhatTheRegisterAsksFor) {
   const capture_case& c = GetParam();
   testkit::npu_harness h;
   h.npu().set_drop_capture(c.filter);
-  testkit::install_test_handler(h, [&](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
     cf::pkt_trace_on::set(*ps_put_mod_common_flags(env), c.traced);
     if (c.moved_start) *ps_put_mod_pkt_start(env) += 256;
     drop_packet(env, c.reason);

@@ -13,7 +13,7 @@
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "platform/varn/fab_hdr_write.h"
-#include "testkit/test_handler.h"
+#include "testkit/dispatch_probe.h"
 
 namespace fabric_test {
 
@@ -43,7 +43,7 @@ class FabricFixture : public ::testing::Test {
 
   // Sends one line packet with a payload of len bytes through body on NPU 0.
   model::packet_outcome send_through(std::uint32_t len, std::function<void(env_t)> body) {
-    testkit::install_test_handler(h, std::move(body));
+    testkit::probe_vector(h, testkit::TEST_VECTOR, std::move(body));
     h.send(testkit::line_packet(7).set<dist_hdr_line_st::pktlen>(len), payload_of(len));
     const auto out = h.run(0);
     EXPECT_EQ(out.size(), 1u);

@@ -8,9 +8,8 @@
 #include "ctrl/counters.h"
 #include "dma_common.h"
 #include "npu/zephra/xmit_fab.h"
-#include "platform/shared/unbuilt_handlers.h"
-#include "tests/unit/fabric/fabric_fixture.h"
 #include "testkit/param_names.h"
+#include "tests/unit/fabric/fabric_fixture.h"
 
 namespace {
 
@@ -27,9 +26,9 @@ struct form_case {
   const char* what;
   form f;
   std::uint32_t payload_len;
-  std::uint32_t lock_words;              // 1 with word 1, 0 without
-  std::uint32_t pieces;                  // count in the first piece
-  std::uint32_t payload_piece_len;       // the last piece: payload and its pad
+  std::uint32_t lock_words;         // 1 with word 1, 0 without
+  std::uint32_t pieces;             // count in the first piece
+  std::uint32_t payload_piece_len;  // the last piece: payload and its pad
   std::uint32_t frame_len;
 };
 void PrintTo(const form_case& c, std::ostream* os) { *os << c.what; }
@@ -64,6 +63,7 @@ class FabricForms : public FabricFixture, public ::testing::WithParamInterface<f
 TEST_P(FabricForms, RequestFrameAndArrival) {
   const form_case& c = GetParam();
   std::vector<std::uint32_t> words;
+  testkit::probe_nph_type(h, NPH_TYPE_IPV4_UNI);
   const auto o = send_through(c.payload_len, [&](env_t env) { send_in_form(env, c.f, words); });
   ASSERT_EQ(words.size(), 6u);
   EXPECT_EQ(words[0], GATHER_CMD_INGRESS);
@@ -90,18 +90,18 @@ TEST_P(FabricForms, RequestFrameAndArrival) {
 
   const auto arrived = h.run(1);
   ASSERT_EQ(arrived.size(), 1u);
-  EXPECT_EQ(arrived[0].placeholder, static_cast<std::int32_t>(UNBUILT_ipv4_egr));
+  EXPECT_EQ(testkit::take_probe_calls(), (testkit::probe_calls{testkit::ran_at_vector(testkit::TEST_VECTOR),
+                                                               testkit::ran_at_nph_type(NPH_TYPE_IPV4_UNI)}));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Forms, FabricForms,
-    ::testing::Values(form_case{"v2 small padded to 64", form::v2, 20, 1, 3, 24, 64},
-                      form_case{"v2 at 64 bytes takes no pad", form::v2, 24, 1, 3, 24, 64},
-                      form_case{"v2 large", form::v2, 100, 1, 3, 100, 140},
-                      form_case{"v3 small padded to 64", form::v3, 20, 0, 2, 32, 64},
-                      form_case{"v3 small payload of no whole words", form::v3, 17, 0, 2, 32, 64},
-                      form_case{"v3 large", form::v3, 100, 0, 2, 100, 132}),
-    testkit::described<form_case>);
+INSTANTIATE_TEST_SUITE_P(Forms, FabricForms,
+                         ::testing::Values(form_case{"v2 small padded to 64", form::v2, 20, 1, 3, 24, 64},
+                                           form_case{"v2 at 64 bytes takes no pad", form::v2, 24, 1, 3, 24, 64},
+                                           form_case{"v2 large", form::v2, 100, 1, 3, 100, 140},
+                                           form_case{"v3 small padded to 64", form::v3, 20, 0, 2, 32, 64},
+                                           form_case{"v3 small payload of no whole words", form::v3, 17, 0, 2, 32, 64},
+                                           form_case{"v3 large", form::v3, 100, 0, 2, 100, 132}),
+                         testkit::described<form_case>);
 
 // Only a traced packet on the ingress side counts; the egress side's traced
 // packets are counted where they arrive.

@@ -8,7 +8,6 @@
 #include "dplane/infra/drop.h"
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/xmit_fab.h"
-#include "platform/shared/unbuilt_handlers.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "tests/unit/fabric/fabric_fixture.h"
 
@@ -66,6 +65,7 @@ TEST_F(FabricTransmit, SmallFrameTakesThreePiecesAndPlen36) {
 }
 
 TEST_F(FabricTransmit, FrameArrivesOnTheNpuOfItsVqiWithAFabricDistributionHeader) {
+  testkit::probe_nph_type(h, NPH_TYPE_IPV4_UNI);
   send_through(20, [](env_t env) {
     sent_record rec;
     prep_unicast(env, rec);
@@ -77,7 +77,8 @@ TEST_F(FabricTransmit, FrameArrivesOnTheNpuOfItsVqiWithAFabricDistributionHeader
   EXPECT_EQ(dist_hdr_fabric_st::dst_format::get(hdr), DST_FORMAT_FABRIC);
   EXPECT_EQ(dist_hdr_fabric_st::pktlen::get(hdr), 64u);
   // The egress dispatch ran on the header type: IPv4 unicast egress.
-  EXPECT_EQ(out[0].placeholder, static_cast<std::int32_t>(UNBUILT_ipv4_egr));
+  EXPECT_EQ(testkit::take_probe_calls(), (testkit::probe_calls{testkit::ran_at_vector(testkit::TEST_VECTOR),
+                                                               testkit::ran_at_nph_type(NPH_TYPE_IPV4_UNI)}));
 }
 
 TEST_F(FabricTransmit, LargeFrameTakesTwoPiecesAndItsOwnLength) {

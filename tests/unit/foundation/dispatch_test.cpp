@@ -2,7 +2,7 @@
 // host buffers, the rare formats and the exception vectors.
 #include <gtest/gtest.h>
 
-#include <map>
+#include <set>
 
 #include "ctrl/counters.h"
 #include "ctrl/uidb_records.h"
@@ -40,23 +40,40 @@ std::vector<std::uint8_t> fabric_frame(std::uint8_t byte8, std::uint8_t byte9 = 
   return f;
 }
 
-TEST(IngressDispatch, EachVectorReachesItsHandler) {
+using testkit::ran_at_nph_type;
+using testkit::ran_at_vector;
+
+// Each wire vector runs the entry of its own row, with the port's global
+// feature bit as argument; the probe stands in for the row's handler.
+TEST(IngressDispatch, EachWireVectorRunsItsRow) {
+  testkit::npu_harness h;
+  for (std::uint32_t vector = 0; vector <= 12; ++vector) {
+    for (boolean_t feature : {FALSE, TRUE}) {
+      SCOPED_TRACE("vector " + std::to_string(vector) + " global feature " + std::to_string(feature));
+      testkit::probe_vector(h, vector);
+      expect_outcome(h.one(clean_line(vector).set<dh::port_bits_gbl_feature>(feature)), {"", {}});
+      EXPECT_EQ(testkit::take_probe_calls(), testkit::probe_calls{ran_at_vector(vector, feature)});
+    }
+  }
+}
+
+// Vectors above the wire range leave the table alone: 13 and 14 have their
+// own bodies, the others are unknown.
+TEST(IngressDispatch, VectorsAboveTheWireRangeSkipTheTable) {
   const std::vector<std::pair<std::uint32_t, expect_end>> cases = {
-      {0, {"ipv4_ing_perf", {}}},     {1, {"ipm4_ing_perf", {}}},     {2, {"ipv6_ing_perf", {}}},
-      {3, {"ipm6_ing_perf", {}}},     {4, {"mpls_ing_perf", {}}},     {5, {"vpws_ing", {}}},
-      {6, {"vpls_ing", {}}},          {7, {"ipv4_ing_nonperf", {}}},  {8, {"ipv6_ing_nonperf", {}}},
-      {9, {"mpls_ing_nonperf", {}}},  {10, {"vpws_ing", {}}},         {11, {"vpls_ing", {}}},
-      {12, {"l2_ctrl_ing", {}}},      {13, {"plat_process_inject", {}}}, {14, {"punt_ptp_followup", {}}},
-      {15, {"", {0x295}}},            {16, {"", {0x295}}},            {127, {"", {0x295}}},
+      {13, {"plat_process_inject", {}}},
+      {14, {"punt_ptp_followup", {}}},
+      {15, {"", {0x295}}},
+      {16, {"", {0x295}}},
+      {127, {"", {0x295}}},
       {255, {"", {0x295}}},
   };
   testkit::npu_harness h;
-  for (const auto& [vector, e] : cases) h.send(clean_line(vector), std::vector<std::uint8_t>(64, 0));
-  const auto out = h.run();
-  ASSERT_EQ(out.size(), cases.size());
-  for (std::size_t i = 0; i < cases.size(); ++i) {
-    SCOPED_TRACE("vector " + std::to_string(cases[i].first));
-    expect_outcome(out[i], cases[i].second);
+  for (const auto& [vector, e] : cases) {
+    SCOPED_TRACE("vector " + std::to_string(vector));
+    testkit::probe_vector(h, vector);
+    expect_outcome(h.one(clean_line(vector)), e);
+    EXPECT_TRUE(testkit::take_probe_calls().empty());
   }
 }
 
@@ -81,32 +98,45 @@ TEST(IngressDispatch, InvalidVectorIsADecodeMissWhateverItsValue) {
 
 TEST(IngressDispatch, SubscriberIntakeOnlyWithoutMpls) {
   testkit::npu_harness h;
+  testkit::probe_vector(h, 0);
   expect_outcome(h.one(dist_hdr::line(0).set<dh::read_bng_uidb_ext>(1)), {"handle_subscriber_packets", {}});
-  expect_outcome(h.one(dist_hdr::line(0).set<dh::read_bng_uidb_ext>(1).set<dh::mpls_en>(1)), {"ipv4_ing_perf", {}});
+  EXPECT_TRUE(testkit::take_probe_calls().empty());
+  expect_outcome(h.one(dist_hdr::line(0).set<dh::read_bng_uidb_ext>(1).set<dh::mpls_en>(1)), {"", {}});
+  EXPECT_EQ(testkit::take_probe_calls(), testkit::probe_calls{ran_at_vector(0)});
 }
 
+// The fabric header types that have a handler; every other type of 0..63
+// is a bad header.
+const std::set<std::uint32_t> HANDLED_TYPES = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 12, 15, 16,
+                                               17, 19, 21, 23, 25, 32, 33, 34, 35, 36, 37, 63};
+
 // Every header type 0..63, through the fold of types onto table slots.
-TEST(FabricDispatch, EveryHeaderTypeReachesItsHandlerOrTheBadHeaderDrop) {
-  const std::map<std::uint32_t, std::string> handled = {
-      {1, "ipv4_egr"},          {19, "ipv4_egr"},          {32, "ipv4_egr"},
-      {3, "ipv6_egr"},          {23, "ipv6_egr"},          {34, "ipv6_egr"},
-      {5, "mpls_egr"},          {33, "mpls_egr"},          {2, "ipm4_egr"},
-      {4, "ipm6_egr"},          {6, "vpws_egr"},           {7, "vpls_egr_uni"},
-      {37, "vpls_egr_uni"},     {8, "vpls_egr_fld"},       {9, "l2m4_egr"},
-      {10, "vpls_egr_mn"},      {12, "vpws_egr_xc_ac_ip"}, {15, "plat_process_inject"},
-      {16, "mofrr_frr_msg_rx"}, {17, "handle_efm_egr"},    {21, "l2tpv2_disp_egr_xc_ac_vpdn"},
-      {25, "l2m6_egr"},         {35, "ip_nhindex_egr"},    {36, "mpls_nhindex_egr"},
-      {63, "plat_process_inject"},
+TEST(FabricDispatch, EveryHandledHeaderTypeRunsItsRowAndTheOthersDrop) {
+  testkit::npu_harness h;
+  for (std::uint8_t type = 0; type < 64; ++type) {
+    SCOPED_TRACE("nph_type " + std::to_string(type));
+    const bool handled = HANDLED_TYPES.contains(type);
+    if (handled) testkit::probe_nph_type(h, type);
+    expect_outcome(h.one(dist_hdr::fabric(), fabric_frame(type)), handled ? expect_end{} : expect_end{"", {0x294}});
+    EXPECT_EQ(testkit::take_probe_calls(),
+              handled ? testkit::probe_calls{ran_at_nph_type(type)} : testkit::probe_calls{});
+  }
+}
+
+// Types that are forms of one traffic kind share one handler.
+TEST(FabricDispatch, FormsOfOneKindShareTheirHandler) {
+  const std::vector<std::vector<std::uint32_t>> kinds = {
+      {1, 19, 32}, {3, 23, 34}, {5, 33}, {7, 37}, {15, 63},
   };
   testkit::npu_harness h;
-  for (std::uint8_t type = 0; type < 64; ++type) h.send(dist_hdr::fabric(), fabric_frame(type));
-  const auto out = h.run();
-  ASSERT_EQ(out.size(), 64u);
-  for (std::uint32_t type = 0; type < 64; ++type) {
-    SCOPED_TRACE("nph_type " + std::to_string(type));
-    const auto it = handled.find(type);
-    expect_outcome(out[type], it == handled.end() ? expect_end{"", {0x294}} : expect_end{it->second, {}});
-  }
+  h.on_thread([&](env_t) {
+    for (const auto& types : kinds) {
+      for (std::uint32_t type : types) {
+        SCOPED_TRACE("nph_type " + std::to_string(type));
+        EXPECT_EQ(nph_ep_entry(nph_type_to_ep_table_index(type)), nph_ep_entry(nph_type_to_ep_table_index(types[0])));
+      }
+    }
+  });
 }
 
 TEST(FabricDispatch, ErroredFrameIsDroppedBeforeItsType) {
@@ -122,11 +152,12 @@ TEST(FabricDispatch, TraceAndCriticalInjectMarkThePacketBeforeItsHandler) {
   };
   const row rows[] = {{"trace", 1, 0}, {"critical inject", 0, 1}, {"both", 1, 1}};
   testkit::npu_harness h;
+  testkit::probe_nph_type(h, 1);
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     const auto o = h.one(dist_hdr::fabric(), fabric_frame(static_cast<std::uint8_t>(r.ptrace << 6 | 1),
                                                           static_cast<std::uint8_t>(r.critical << 7)));
-    EXPECT_EQ(reached(o), "ipv4_egr");
+    EXPECT_EQ(testkit::take_probe_calls(), testkit::probe_calls{ran_at_nph_type(1)});
     EXPECT_EQ(has_counter(o, 0x66), r.ptrace == 1);
     h.on_thread([&](env_t env) {
       const common_flags_st& f = *ps_get_common_flags(env);
@@ -209,9 +240,8 @@ TEST(ExceptionVectors, MaintenanceModeDropsByTheUidbKindOfTheVector) {
     expect_end e;
   };
   const row rows[] = {
-      {7, bit::l3, {"", {0x5D2}}},  {8, bit::l3, {"", {0x5D2}}},  {9, bit::l3, {"", {0x5D2}}},
-      {10, bit::l2, {"", {0x5D2}}}, {11, bit::l2, {"", {0x5D2}}},
-      {7, bit::l2, {"ipv4_ing_nonperf", {}}},
+      {7, bit::l3, {"", {0x5D2}}},     {8, bit::l3, {"", {0x5D2}}},  {9, bit::l3, {"", {0x5D2}}},
+      {10, bit::l2, {"", {0x5D2}}},    {11, bit::l2, {"", {0x5D2}}}, {7, bit::l2, {"ipv4_ing_nonperf", {}}},
       {10, bit::l3, {"vpws_ing", {}}},
   };
   testkit::npu_harness h;
@@ -294,13 +324,56 @@ TEST(ExceptionVectors, IpMulticastScopeAndMacClassSelectTheBody) {
     std::vector<std::uint8_t> frame(128, 0);
     const std::uint32_t dst_offset = l3_offset + (r.vector == 7 ? 16 : 24);
     std::copy(r.dst.begin(), r.dst.end(), frame.begin() + dst_offset);
-    const auto hdr = clean_line(r.vector).set<dh::is_mcast>(r.is_mcast).set<dh::da_bits>(r.da_bits)
-                         .set<dh::l3_offset>(l3_offset);
+    const auto hdr =
+        clean_line(r.vector).set<dh::is_mcast>(r.is_mcast).set<dh::da_bits>(r.da_bits).set<dh::l3_offset>(l3_offset);
     expect_outcome(h.one(hdr, frame), {r.handler, {}});
     if (r.handler.rfind("ipm", 0) != 0) {
       EXPECT_EQ(cf::mac_mismatch_drop::get(flags_after(h)), r.mac_mismatch);
     }
   }
+}
+
+}  // namespace
+
+namespace {
+
+using namespace ft;
+
+// The placeholder mechanism on its own, through whichever placeholders the
+// lists hold: the first and the last number.
+TEST(Placeholder, EndCountsThePacketUnderItsNameAndEndsEveryPass) {
+  if (UNBUILT_HANDLER_COUNT == 0) GTEST_SKIP() << "every handler is built";
+  EXPECT_EQ(unbuilt_handler_name(UNBUILT_HANDLER_COUNT), nullptr);
+  testkit::npu_harness h;
+  for (std::uint32_t id : {0u, UNBUILT_HANDLER_COUNT - 1}) {
+    ASSERT_NE(unbuilt_handler_name(id), nullptr);
+    SCOPED_TRACE(unbuilt_handler_name(id));
+    testkit::probe_vector(h, 0, [id](env_t env) {
+      cf::do_multipass::set(*ps_put_mod_common_flags(env), 1);
+      unbuilt_handler_end(env, static_cast<unbuilt_handler_e>(id));
+    });
+    const model::packet_outcome o = h.one(dist_hdr::line(0));
+    EXPECT_EQ(o.end, model::packet_end::freed);
+    EXPECT_EQ(reached(o), unbuilt_handler_name(id));
+    EXPECT_TRUE(o.global_counters.empty());
+    EXPECT_EQ(h.npu().placeholder_count(static_cast<std::int32_t>(id)), 1u);
+    EXPECT_EQ(cf::do_multipass::get(flags_after(h)), 0u) << "no further pass of an ended packet";
+  }
+}
+
+TEST(Placeholder, StepCountsThePacketWhichGoesOn) {
+  if (UNBUILT_HANDLER_COUNT == 0) GTEST_SKIP() << "every handler is built";
+  testkit::npu_harness h;
+  bool went_on = false;
+  testkit::probe_vector(h, 0, [&](env_t env) {
+    unbuilt_step_reached(env, static_cast<unbuilt_handler_e>(0));
+    went_on = true;
+    drop_packet_no_counter(env);
+  });
+  const model::packet_outcome o = h.one(dist_hdr::line(0));
+  EXPECT_TRUE(went_on);
+  EXPECT_EQ(o.end, model::packet_end::freed);
+  EXPECT_EQ(h.npu().placeholder_count(0), 1u);
 }
 
 }  // namespace

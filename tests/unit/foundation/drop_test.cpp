@@ -42,7 +42,7 @@ TEST(Drop, FlowExportKeepsTheFirstReasonOfASampledPacket) {
     record_netflow_drop_reason(env, NF_DROP_REASON_ACL_DENY);
     record_netflow_drop_reason(env, NF_DROP_REASON_BAD_TTL);
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
-    drop_packet(env, 0x100);  // the drop's own reason comes later too
+    drop_packet(env, 0x100);                           // the drop's own reason comes later too
     EXPECT_EQ(ps_get_nf_status(env)->bytes[3], 0x81);  // fwdg_status drop (2), reason ACL deny (1)
     EXPECT_EQ(cf2::nf_drop_reason_set_or_nonsampled::get(*ps_get_common_flags2(env)), 1u);
 
@@ -61,8 +61,8 @@ TEST(Drop, DropCancelsAQueuedPassOutsideTailProcessingOnly) {
   };
   const row rows[] = {
       {"pass and flow export queued", 1, 0, tail_proc_multipass | tail_proc_netflow, tail_proc_netflow, 1},
-      {"inside tail processing", 1, 1, tail_proc_multipass | tail_proc_netflow,
-       tail_proc_multipass | tail_proc_netflow, 1},
+      {"inside tail processing", 1, 1, tail_proc_multipass | tail_proc_netflow, tail_proc_multipass | tail_proc_netflow,
+       1},
       {"no tail owed", 0, 0, tail_proc_multipass, tail_proc_multipass, 0},
       {"only the pass queued", 1, 0, tail_proc_multipass, 0, 0},
   };

@@ -10,7 +10,8 @@
 
 #include "dma_common.h"
 #include "dplane/infra/ps.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
+#include "testkit/dispatch_probe.h"
 #include "testkit/npu_harness.h"
 
 namespace ft {

@@ -7,7 +7,7 @@
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_egr_drop.h"
 #include "lag_test_util.h"
-#include "platform/shared/unbuilt_handlers.h"
+#include "platform/shared/placeholder.h"
 
 namespace {
 

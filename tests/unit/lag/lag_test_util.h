@@ -12,7 +12,7 @@
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
 #include "testkit/bundles.h"
-#include "testkit/test_handler.h"
+#include "testkit/dispatch_probe.h"
 
 namespace lag_test {
 
@@ -28,7 +28,7 @@ class BundleTest : public ::testing::Test {
   // Runs body on the NPU thread with a packet of these bytes; a body that
   // does not end the packet has it freed without a counter.
   model::packet_outcome run(const std::function<void(env_t)>& body, std::vector<std::uint8_t> bytes = {}) {
-    testkit::install_test_handler(h, [body](env_t env) {
+    testkit::probe_vector(h, testkit::TEST_VECTOR, [body](env_t env) {
       common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
       body(env);
       common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 0);

@@ -7,7 +7,7 @@
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
 #include "npu/zephra/pkt_mem_alloc.h"
-#include "testkit/test_handler.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 
@@ -95,7 +95,7 @@ TEST_P(FeatureAreas, AreaOrDropAtTheLimits) {
     std::int32_t area = 1;
     std::uint32_t blocks = 0;
   } s;
-  testkit::install_test_handler(h, [&](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
     unsigned char* area = packet_mem_alloc(env, c.feature, c.size);
     if (!area) return;  // the allocator dropped the packet
     s.blocks = blocks(env);

@@ -95,7 +95,7 @@ TEST(BitmapLocks, NineLocksAreTheMostAThreadHolds) {
 model::packet_outcome packet_through(const std::function<void(env_t)>& body) {
   testkit::npu_harness h;
   take_in_memory(h, LOCK_BITMAP_MAC, 9);
-  testkit::install_test_handler(h, body);
+  testkit::probe_vector(h, testkit::TEST_VECTOR, body);
   return h.one(testkit::line_packet());
 }
 

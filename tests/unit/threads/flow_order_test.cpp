@@ -52,7 +52,7 @@ std::vector<std::uint64_t> departure_order(testkit::npu_harness& h) {
 TEST(FlowOrder, PacketsOfOneLockLeaveInArrivalOrder) {
   testkit::npu_harness h(1, 2);
   std::latch first_may_end(1);
-  testkit::install_test_handler(h, [&](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
     convert_to(env, 800);
     if (flow_of(env) == 1) first_may_end.wait();
     if (flow_of(env) == 2) first_may_end.count_down();  // and leaves only behind the first
@@ -68,7 +68,7 @@ TEST(FlowOrder, PacketsOfOneLockLeaveInArrivalOrder) {
 TEST(FlowOrder, PacketsOfDifferentLocksDoNotWaitForEachOther) {
   testkit::npu_harness h(1, 2);
   std::latch first_may_end(1);
-  testkit::install_test_handler(h, [&](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
     switch (flow_of(env)) {
       case 1:
         convert_to(env, 800);
@@ -98,7 +98,7 @@ TEST(FlowOrder, ManyThreadsAndFlowsKeepEveryFlowInOrder) {
   auto converts_by_kept_drop = [](std::uint16_t flow) { return flow % 3 == 0; };
 
   testkit::npu_harness h(1, THREADS);
-  testkit::install_test_handler(h, [&](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
     const std::uint16_t flow = flow_of(env);
     busy(env, work_of(env));
     if (!stays_in_arrival_lock(flow)) {

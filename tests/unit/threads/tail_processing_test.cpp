@@ -149,7 +149,7 @@ class TailRun : public ::testing::Test {
 };
 
 TEST_F(TailRun, NothingOwedNothingRuns) {
-  testkit::install_test_handler(h, [](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [](env_t env) {
     tail_processing_ipv4_ing(env);
     drop_packet(env, 0x123);
   });
@@ -178,7 +178,7 @@ TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     testkit::npu_harness fresh;  // counts of each function from zero
-    testkit::install_test_handler(fresh, [&](env_t env) {
+    testkit::probe_vector(fresh, testkit::TEST_VECTOR, [&](env_t env) {
       enable_tail_processing(env, FLOWHASH, static_cast<tail_proc_func_e>(r.funcs));
       r.tail(env);
     });
@@ -190,7 +190,7 @@ TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
 }
 
 TEST_F(TailRun, AFunctionWithoutAFormOnThePathLeavesTheBufferToTheEpilog) {
-  testkit::install_test_handler(h, [](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [](env_t env) {
     enable_tail_processing(env, FLOWHASH, tail_proc_li_rep__l3);  // no L2 form
     tail_processing_vpls_ing(env);
   });
@@ -202,7 +202,7 @@ TEST_F(TailRun, AFunctionWithoutAFormOnThePathLeavesTheBufferToTheEpilog) {
 
 TEST_F(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer) {
   tail_state after_tail{};
-  testkit::install_test_handler(h, [&](env_t env) {
+  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
     *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
     enable_tail_processing(env, FLOWHASH, tail_proc_span);

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "dplane/infra/ps.h"
-#include "platform/shared/unbuilt_handlers.h"
-#include "testkit/test_handler.h"
+#include "platform/shared/placeholder.h"
+#include "testkit/dispatch_probe.h"
 
 namespace tt {
 

@@ -1,0 +1,131 @@
+// A probe in the dispatch tables: it takes the place of the entry of one
+// ingress vector or one fabric header type, records that it ran and with
+// which argument, then runs the test's body, which ends the packet. Tests of
+// dispatch assert which row a packet reached through it, so they keep their
+// meaning whatever handler the row holds; other tests play a path's handler
+// with a body of their own.
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <ostream>
+#include <utility>
+#include <vector>
+
+#include "dplane/infra/drop.h"
+#include "npu/zephra/pkt_rx.h"
+#include "platform/varn/entry_points.h"
+#include "testkit/npu_harness.h"
+
+namespace testkit {
+
+enum class dispatch_table { ingress, fabric };
+
+// One run of a probe: the table, the vector or header type of its entry, and
+// the global-feature argument (ingress only).
+struct probe_call {
+  dispatch_table table;
+  std::uint32_t row;
+  boolean_t global_feature_enabled;
+  bool operator==(const probe_call&) const = default;
+};
+
+inline void PrintTo(const probe_call& c, std::ostream* os) {
+  *os << (c.table == dispatch_table::ingress ? "vector " : "fabric header type ") << c.row << ", global feature "
+      << c.global_feature_enabled;
+}
+
+using probe_body = std::function<void(env_t)>;
+
+// Ends the packet with no counter: the default body.
+inline void probe_end_packet(env_t env) { drop_packet_no_counter(env); }
+
+namespace detail {
+struct probe_state {
+  std::mutex lock;
+  std::vector<probe_call> calls;
+  probe_body ingress_body = probe_end_packet;
+  probe_body fabric_body = probe_end_packet;
+};
+inline probe_state& probe() {
+  static probe_state state;
+  return state;
+}
+inline void probe_ran(env_t env, probe_call call) {
+  {
+    std::lock_guard guard(probe().lock);
+    probe().calls.push_back(call);
+  }
+  probe_state& p = probe();
+  (call.table == dispatch_table::ingress ? p.ingress_body : p.fabric_body)(env);
+}
+template <std::uint32_t vector>
+void ing_probe(env_t env, boolean_t global_feature_enabled) {
+  probe_ran(env, {dispatch_table::ingress, vector, global_feature_enabled});
+}
+template <std::uint32_t type>
+void nph_probe(env_t env) {
+  probe_ran(env, {dispatch_table::fabric, type, FALSE});
+}
+template <std::size_t... vector>
+constexpr std::array<ing_fn_type, sizeof...(vector)> ing_probe_entries(std::index_sequence<vector...>) {
+  return {&ing_probe<vector>...};
+}
+template <std::size_t... type>
+constexpr std::array<nph_fn_type, sizeof...(type)> nph_probe_entries(std::index_sequence<type...>) {
+  return {&nph_probe<type>...};
+}
+inline constexpr auto ing_probes = ing_probe_entries(std::make_index_sequence<256>{});
+inline constexpr auto nph_probes = nph_probe_entries(std::make_index_sequence<64>{});
+inline void set_body(dispatch_table table, probe_body body) {
+  std::lock_guard guard(probe().lock);
+  probe().calls.clear();
+  probe_body& b = table == dispatch_table::ingress ? probe().ingress_body : probe().fabric_body;
+  b = body ? std::move(body) : probe_body(probe_end_packet);
+}
+}  // namespace detail
+
+// Puts the probe at `vector` of the ingress table (shared by the threads of
+// every NPU, which fill it when they start), with `body` or the default body.
+// The probes of one table share their body.
+inline void probe_vector(npu_harness& h, std::uint32_t vector, probe_body body = {}) {
+  detail::set_body(dispatch_table::ingress, std::move(body));
+  h.on_thread([vector](env_t) {
+    std::atomic_ref(ing_ep.entry_point[vector]).store(detail::ing_probes[vector], std::memory_order_relaxed);
+  });
+}
+
+// Puts the probe at fabric header type `type` of the fabric table.
+inline void probe_nph_type(npu_harness& h, std::uint32_t type, probe_body body = {}) {
+  detail::set_body(dispatch_table::fabric, std::move(body));
+  h.on_thread([type](env_t) {
+    std::atomic_ref(nph_ep.entry_point[nph_type_to_ep_table_index(type)])
+        .store(detail::nph_probes[type], std::memory_order_relaxed);
+  });
+}
+
+// The probe's runs since it was put in place or last asked, in order.
+inline std::vector<probe_call> take_probe_calls() {
+  std::lock_guard guard(detail::probe().lock);
+  return std::exchange(detail::probe().calls, {});
+}
+
+// A run of the probe at ingress vector `vector`, or at fabric header type `type`.
+inline probe_call ran_at_vector(std::uint32_t vector, boolean_t global_feature_enabled = FALSE) {
+  return {dispatch_table::ingress, vector, global_feature_enabled};
+}
+inline probe_call ran_at_nph_type(std::uint32_t type) { return {dispatch_table::fabric, type, FALSE}; }
+using probe_calls = std::vector<probe_call>;
+
+// The vector at which tests play a path's handler through the probe.
+inline constexpr std::uint32_t TEST_VECTOR = VECTOR_IPV4_UNICAST;
+
+// A line packet of the ingress buffer with a valid TEST_VECTOR and this handle.
+inline dist_hdr line_packet(std::uint32_t handle = 1) {
+  return dist_hdr::line(TEST_VECTOR).set<dist_hdr_line_st::gpm_pkt_handle>(handle).set<dist_hdr_line_st::pktlen>(64);
+}
+
+}  // namespace testkit
