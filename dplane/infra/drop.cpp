@@ -59,6 +59,7 @@ void drop_packet_no_counter_internal(env_t env, boolean_t is_multicast_last, boo
   if (!keep && increment_np_counter) {
     npu_drop_capture_inline(env, drop_counter_index, *ps_get_pkt_start(env));
     lookup_request_ID_STATS_INC_GLB_CNT__DROP(env, drop_counter_index);
+    power_drop_counted(drop_counter_index);
   }
   lookup_request_ID_DROP_PKT(env);
 }
@@ -95,7 +96,9 @@ void npu_drop_packet_guts(env_t env) {
   dma_flush_initiate_and_wait(env, dma_build_cmd(RES_FLB, FREE_REQ_LOC, 12, 0, PKT_END_RESPONSE_BYTES));
 }
 
-void npu_drop_keep_packet(env_t env) { dma_flowlock_convert(env, *ps_get_next_flowlock_id(env), KEEP_REQ_LOC, KEEP_REQ_LOC); }
+void npu_drop_keep_packet(env_t env) {
+  dma_flowlock_convert(env, *ps_get_next_flowlock_id(env), KEEP_REQ_LOC, KEEP_REQ_LOC);
+}
 
 void npu_drop_capture_inline(env_t env, std::uint32_t drop_reason, const std::uint8_t* pkt_start) {
   const std::uint32_t filter = RDC(COP_DROP_CAPTURE);

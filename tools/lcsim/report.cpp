@@ -1,14 +1,15 @@
 #include "report.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <string>
 
 #include "ctrl/counters.h"
+#include "fab_hdr_report.h"
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
 #include "platform/shared/unbuilt_handlers.h"
-#include "fab_hdr_report.h"
 #include "platform/varn/dist_hdr.h"
 #include "platform/varn/fab_hdr.h"
 
@@ -33,12 +34,7 @@ std::string ending(const model::packet_outcome& o) {
     s += std::string("reached ") + (name ? name : "?") + " (not built yet), ";
   }
   if (o.end == model::packet_end::contract_breach) return s + "contract breach: " + o.note;
-  if (!o.global_counters.empty()) {
-    s += "dropped, counters";
-    for (std::uint32_t c : o.global_counters) s.append(" ").append(names::counter_label(c));
-    return s;
-  }
-  return s + model::packet_end_name(o.end);
+  return s + packet_fate(o);
 }
 
 void print_fields(std::FILE* out, const std::vector<std::uint8_t>& frame) {
@@ -72,12 +68,19 @@ void print_frames(std::FILE* out, const packet_result& r) {
 
 }  // namespace
 
+std::string packet_fate(const model::packet_outcome& o) {
+  const auto to_host = [](const model::sent_frame& f) { return f.to == model::frame_destination::host; };
+  if (std::any_of(o.sent.begin(), o.sent.end(), to_host)) return "punted";
+  if (o.end == model::packet_end::sent) return "sent";
+  if (o.drop_counter) return "dropped " + names::counter_label(*o.drop_counter);
+  return model::packet_end_name(o.end);
+}
+
 void print_report(std::FILE* out, model::chassis& chassis, const std::vector<packet_result>& results) {
   std::fprintf(out, "Packets\n");
   for (const packet_result& r : results) {
-    std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq),
-                 r.outcome.npu, r.input ? r.input->description.c_str() : "from the fabric",
-                 ending(r.outcome).c_str());
+    std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq), r.outcome.npu,
+                 r.input ? r.input->description.c_str() : "from the fabric", ending(r.outcome).c_str());
     print_frames(out, r);
   }
   std::fprintf(out, "Counters\n");

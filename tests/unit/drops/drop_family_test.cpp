@@ -59,6 +59,7 @@ TEST_F(DropFamily, AKeptPacketCountsEachDropAndEndsAtTheFinalOne) {
   });
   EXPECT_EQ(o.end, model::packet_end::freed);
   EXPECT_EQ(o.global_counters, (counters{0x101, 0x102, 0x103}));
+  EXPECT_EQ(o.drop_counter, 0x103u);
 }
 
 TEST_F(DropFamily, TheLastCopyOfAReplicationFreesTheKeptBuffer) {
@@ -115,16 +116,15 @@ TEST_P(CaptureFilter, TakesOnlyWhatTheRegisterAsksFor) {
 
 INSTANTIATE_TEST_SUITE_P(
     Filters, CaptureFilter,
-    ::testing::Values(capture_case{"no_filter", 0, 0x150, false, false, true},
-                      capture_case{"reason_matches", BY_REASON | reason_field(0x150), 0x150, false, false, true},
-                      capture_case{"reason_differs", BY_REASON | reason_field(0x151), 0x150, false, false, false},
-                      capture_case{"interface_matches", BY_INTERFACE | interface_field(UIDB), 0x150, false, false,
-                                   true},
-                      capture_case{"interface_differs", BY_INTERFACE | interface_field(UIDB + 1), 0x150, false, false,
-                                   false},
-                      capture_case{"traced_only_and_traced", TRACED_ONLY, 0x150, true, false, true},
-                      capture_case{"traced_only_untraced", TRACED_ONLY, 0x150, false, false, false},
-                      capture_case{"start_beyond_the_first_256_bytes", 0, 0x150, false, true, false}),
+    ::testing::Values(
+        capture_case{"no_filter", 0, 0x150, false, false, true},
+        capture_case{"reason_matches", BY_REASON | reason_field(0x150), 0x150, false, false, true},
+        capture_case{"reason_differs", BY_REASON | reason_field(0x151), 0x150, false, false, false},
+        capture_case{"interface_matches", BY_INTERFACE | interface_field(UIDB), 0x150, false, false, true},
+        capture_case{"interface_differs", BY_INTERFACE | interface_field(UIDB + 1), 0x150, false, false, false},
+        capture_case{"traced_only_and_traced", TRACED_ONLY, 0x150, true, false, true},
+        capture_case{"traced_only_untraced", TRACED_ONLY, 0x150, false, false, false},
+        capture_case{"start_beyond_the_first_256_bytes", 0, 0x150, false, true, false}),
     [](const ::testing::TestParamInfo<capture_case>& p) { return p.param.name; });
 
 TEST(CaptureFilterOf, AFabricPacketIsNoInterfacesPacket) {
@@ -144,6 +144,7 @@ TEST_F(DropFamily, KeptDropsAndDropsWithoutReasonAreNotCaptured) {
     drop_packet_no_counter(env);
   });
   EXPECT_FALSE(o.captured_drop.has_value());
+  EXPECT_FALSE(o.drop_counter.has_value());
 }
 
 // ---- drops that count on the interface ----
