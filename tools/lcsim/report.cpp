@@ -5,7 +5,6 @@
 #include <map>
 #include <string>
 
-#include "ctrl/counters.h"
 #include "fab_hdr_report.h"
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
@@ -76,7 +75,7 @@ std::string packet_fate(const model::packet_outcome& o) {
   return model::packet_end_name(o.end);
 }
 
-void print_report(std::FILE* out, model::chassis& chassis, const std::vector<packet_result>& results) {
+void print_report(std::FILE* out, ctrl::chassis_tables& tables, const std::vector<packet_result>& results) {
   std::fprintf(out, "Packets\n");
   for (const packet_result& r : results) {
     std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq), r.outcome.npu,
@@ -84,13 +83,13 @@ void print_report(std::FILE* out, model::chassis& chassis, const std::vector<pac
     print_frames(out, r);
   }
   std::fprintf(out, "Counters\n");
-  for (std::size_t n = 0; n < chassis.size(); ++n) {
+  for (std::uint32_t n = 0; n < tables.size(); ++n) {
     std::map<std::uint32_t, std::uint64_t> moved;
     for (std::uint32_t i = 0; i < model::GLOBAL_COUNTER_COUNT; ++i) {
-      if (std::uint64_t v = ctrl::read_global_counter(chassis.at(n), i)) moved[i] = v;
+      if (std::uint64_t v = tables.npu(n).stats().global(i)) moved[i] = v;
     }
     for (const auto& [index, value] : moved) {
-      std::fprintf(out, "  npu %zu  global %-48s %llu\n", n, names::counter_label(index).c_str(),
+      std::fprintf(out, "  npu %u  global %-48s %llu\n", n, names::counter_label(index).c_str(),
                    static_cast<unsigned long long>(value));
     }
   }

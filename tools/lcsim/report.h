@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "model/chassis.h"
+#include "ctrl/chassis_tables.h"
 #include "scenario.h"
 
 namespace lcsim {
@@ -22,6 +22,6 @@ std::string packet_fate(const model::packet_outcome& o);
 
 // Per packet: what it was, the handler it reached and how it ended; then the
 // global counters that moved on each NPU.
-void print_report(std::FILE* out, model::chassis& chassis, const std::vector<packet_result>& results);
+void print_report(std::FILE* out, ctrl::chassis_tables& tables, const std::vector<packet_result>& results);
 
 }  // namespace lcsim
