@@ -32,7 +32,7 @@ error check(const route_prefix& p) {
       [[fallthrough]];
     case route_family::ipv6_link_local: return p.length > IPV6_MAX_LENGTH ? error::bad_prefix_length : error::none;
   }
-  return error::unknown_key_code;
+  return error::out_of_range;  // a family value that names none
 }
 
 error check(const group_key& k) {
@@ -42,7 +42,7 @@ error check(const group_key& k) {
     case group_family::ipv4_bridge:
     case group_family::ipv6_bridge: return k.table > MAX_BD_ID ? error::out_of_range : error::none;
   }
-  return error::unknown_key_code;
+  return error::out_of_range;  // a family value that names none
 }
 
 std::uint8_t key_code(route_family f) {
