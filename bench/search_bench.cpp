@@ -52,7 +52,7 @@ model::ip_bytes ipv6_random(std::mt19937& rng, const std::vector<std::uint32_t>&
 // A table of routes with the addresses to search: most inside some route.
 struct route_set {
   std::vector<ctrl::route_prefix> routes;
-  std::vector<model::plu_route_key> searches;
+  std::vector<model::plu_route_key> searches;  // the engine's own keys: searched without the control side
 };
 
 route_set ipv4_routes() {
@@ -62,9 +62,9 @@ route_set ipv4_routes() {
     s.routes.push_back(ctrl::ipv4_prefix({0}, ipv4_random(rng), static_cast<std::uint8_t>(ipv4_length(rng))));
   }
   for (std::size_t i = 0; i < ADDRESSES; ++i) {
-    model::plu_route_key k = s.routes[rng() % s.routes.size()];
+    ctrl::route_prefix k = s.routes[rng() % s.routes.size()];
     for (int b = 3; b >= k.length / 8; --b) k.addr[b] = static_cast<std::uint8_t>(rng());
-    s.searches.push_back(k);
+    s.searches.push_back({PLU_IPV4_UNICAST, k.table, k.addr, k.length});
   }
   return s;
 }
@@ -79,9 +79,9 @@ route_set ipv6_routes() {
     s.routes.push_back(ctrl::ipv6_prefix({0}, ipv6_random(rng, allocations), length));
   }
   for (std::size_t i = 0; i < ADDRESSES; ++i) {
-    model::plu_route_key k = s.routes[rng() % s.routes.size()];
+    ctrl::route_prefix k = s.routes[rng() % s.routes.size()];
     for (int b = 15; b >= k.length / 8; --b) k.addr[b] = static_cast<std::uint8_t>(rng());
-    s.searches.push_back(k);
+    s.searches.push_back({PLU_IPV6_UNICAST, k.table, k.addr, k.length});
   }
   return s;
 }
