@@ -1,10 +1,10 @@
 // The one owner of an NPU's tables on the control side: every index pool
-// and allocator of the NPU (UIDB indexes, statistics blocks, the records of
-// the paged tables, bundles, VQI-independent line queues) and the writers
-// that use them. It lays the page descriptors out when made. Every call
-// checks its input first and writes nothing when it refuses, with a typed
-// error; a removal gives back what the entry held. One control thread calls
-// it.
+// and allocator of the NPU (UIDB indexes and statistics blocks in ifs(), the
+// chain records of the paged tables, hash entries and buckets, bundles, line
+// queues) and the writers that use them. It lays the page descriptors out
+// when made. Every call checks its input first and writes nothing when it
+// refuses, with a typed error; a removal gives back what the entry held.
+// One control thread calls it.
 #pragma once
 
 #include "ctrl/bundles.h"
