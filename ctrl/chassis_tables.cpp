@@ -64,7 +64,8 @@ error chassis_tables::release_record(std::uint32_t tpd, std::uint32_t index) {
   return on_every_npu([&](npu_tables& n) { return n.records().release(tpd, index); });
 }
 
-error chassis_tables::write_bundle(std::uint32_t bundle_id, const bundle& b, std::span<const std::uint32_t> member_npus) {
+error chassis_tables::write_bundle(std::uint32_t bundle_id, const bundle& b,
+                                   std::span<const std::uint32_t> member_npus) {
   if (member_npus.size() != b.members.size()) return error::bad_size;
   if (std::any_of(member_npus.begin(), member_npus.end(), [&](std::uint32_t id) { return id >= npus_.size(); })) {
     return error::out_of_range;

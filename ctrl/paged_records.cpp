@@ -10,8 +10,7 @@ namespace ctrl {
 namespace {
 
 constexpr std::uint32_t MAX_RECORD_INDEX = 0xFFFFFF;  // 24 bits of the paged command word
-constexpr std::uint32_t CHAIN_PAGES[] = {rldi_id::TPD, nrldi_id::TPD, rx_adj_id::TPD, tx_adj_id::TPD,
-                                         nh_index_id::TPD};
+constexpr std::uint32_t CHAIN_PAGES[] = {rldi_id::TPD, nrldi_id::TPD, rx_adj_id::TPD, tx_adj_id::TPD, nh_index_id::TPD};
 
 std::uint32_t record_bytes(std::uint32_t tpd) {
   for (const lookup_page_st& p : LOOKUP_PAGES) {

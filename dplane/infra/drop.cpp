@@ -96,9 +96,7 @@ void npu_drop_packet_guts(env_t env) {
   dma_flush_initiate_and_wait(env, dma_build_cmd(RES_FLB, FREE_REQ_LOC, 12, 0, PKT_END_RESPONSE_BYTES));
 }
 
-void npu_drop_keep_packet(env_t env) {
-  dma_flowlock_convert(env, *ps_get_next_flowlock_id(env), KEEP_REQ_LOC, KEEP_REQ_LOC);
-}
+void npu_drop_keep_packet(env_t env) { dma_flowlock_convert(env, *ps_get_next_flowlock_id(env), KEEP_REQ_LOC, KEEP_REQ_LOC); }
 
 void npu_drop_capture_inline(env_t env, std::uint32_t drop_reason, const std::uint8_t* pkt_start) {
   const std::uint32_t filter = RDC(COP_DROP_CAPTURE);

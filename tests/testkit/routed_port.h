@@ -11,7 +11,8 @@ namespace testkit {
 
 // The port's handle is 0x100 + port; the interface keeps cfg's handle, or
 // gets 0x200 + port when cfg has none. Throws when the control side refuses.
-inline ctrl::interface_added add_routed_port(ctrl::npu_tables& tables, std::uint32_t port, ctrl::l3_interface cfg = {}) {
+inline ctrl::interface_added add_routed_port(ctrl::npu_tables& tables, std::uint32_t port,
+                                             ctrl::l3_interface cfg = {}) {
   ctrl::line_port p;
   p.port = port;
   p.if_handle = 0x100 + port;

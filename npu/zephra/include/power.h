@@ -23,10 +23,10 @@ void np_counter_monitor_check(std::uint32_t counter_index);
 // result read, so that a software platform can stop a result read through
 // the wrong lookup or a live cell reused. Locations are data memory offsets;
 // the names live as long as the process.
-void power_dbg_lookup_request(std::uint32_t lookup_id, const char* name, std::uint32_t req_loc, std::uint32_t req_size,
-                              std::uint32_t res_loc, std::uint32_t res_size);
-void power_dbg_lookup_result(std::uint32_t lookup_id, const char* name, std::uint32_t owner_id, const char* owner_name,
-                             std::uint32_t res_loc, std::uint32_t res_size);
+void power_dbg_lookup_request(std::uint32_t lookup_id, const char* name, std::uint32_t req_loc,
+                              std::uint32_t req_size, std::uint32_t res_loc, std::uint32_t res_size);
+void power_dbg_lookup_result(std::uint32_t lookup_id, const char* name, std::uint32_t owner_id,
+                             const char* owner_name, std::uint32_t res_loc, std::uint32_t res_size);
 // A new pass over the packet: no slot holds a result any more.
 void power_dbg_lookup_new_pass();
 // The drop-capture hook took the packet: a software platform may keep it.

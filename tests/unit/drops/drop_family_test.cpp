@@ -118,15 +118,16 @@ TEST_P(CaptureFilter, TakesOnlyWhatTheRegisterAsksFor) {
 
 INSTANTIATE_TEST_SUITE_P(
     Filters, CaptureFilter,
-    ::testing::Values(
-        capture_case{"no_filter", 0, 0x150, false, false, true},
-        capture_case{"reason_matches", BY_REASON | reason_field(0x150), 0x150, false, false, true},
-        capture_case{"reason_differs", BY_REASON | reason_field(0x151), 0x150, false, false, false},
-        capture_case{"interface_matches", BY_INTERFACE | interface_field(UIDB), 0x150, false, false, true},
-        capture_case{"interface_differs", BY_INTERFACE | interface_field(UIDB + 1), 0x150, false, false, false},
-        capture_case{"traced_only_and_traced", TRACED_ONLY, 0x150, true, false, true},
-        capture_case{"traced_only_untraced", TRACED_ONLY, 0x150, false, false, false},
-        capture_case{"start_beyond_the_first_256_bytes", 0, 0x150, false, true, false}),
+    ::testing::Values(capture_case{"no_filter", 0, 0x150, false, false, true},
+                      capture_case{"reason_matches", BY_REASON | reason_field(0x150), 0x150, false, false, true},
+                      capture_case{"reason_differs", BY_REASON | reason_field(0x151), 0x150, false, false, false},
+                      capture_case{"interface_matches", BY_INTERFACE | interface_field(UIDB), 0x150, false, false,
+                                   true},
+                      capture_case{"interface_differs", BY_INTERFACE | interface_field(UIDB + 1), 0x150, false, false,
+                                   false},
+                      capture_case{"traced_only_and_traced", TRACED_ONLY, 0x150, true, false, true},
+                      capture_case{"traced_only_untraced", TRACED_ONLY, 0x150, false, false, false},
+                      capture_case{"start_beyond_the_first_256_bytes", 0, 0x150, false, true, false}),
     [](const ::testing::TestParamInfo<capture_case>& p) { return p.param.name; });
 
 TEST(CaptureFilterOf, AFabricPacketIsNoInterfacesPacket) {

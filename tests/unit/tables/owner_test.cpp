@@ -69,15 +69,17 @@ std::vector<refusal> refusals() {
       {"a sub-interface without tags",
        [=](auto& c) { return c.npu(0).ifs().add_vlan_subinterface(PORT, {}, l3(0x50)).err; }, error::bad_size},
       {"a VLAN ID past 12 bits",
-       [=](auto& c) { return c.npu(0).ifs().add_vlan_subinterface(PORT, {{0x8100, 0x1000}}, l3(0x50)).err; },
+       [=](auto& c) {
+         return c.npu(0).ifs().add_vlan_subinterface(PORT, {{0x8100, 0x1000}}, l3(0x50)).err;
+       },
        error::out_of_range},
       {"a removal of no interface", [](auto& c) { return c.npu(0).ifs().remove(1); }, error::not_found},
       {"a chain record never allocated",
        [](auto& c) { return c.npu(0).records().write(ctrl::rldi_id{1}, bytes(16, 0xAA)); }, error::not_found},
       {"a release of a chain record never allocated",
        [](auto& c) { return c.npu(0).records().release(ctrl::nrldi_id{1}); }, error::not_found},
-      {"a chassis write of a record not allocated",
-       [](auto& c) { return c.write(ctrl::rldi_id{1}, bytes(16, 0xAA)); }, error::not_found},
+      {"a chassis write of a record not allocated", [](auto& c) { return c.write(ctrl::rldi_id{1}, bytes(16, 0xAA)); },
+       error::not_found},
       {"a bundle of 65 members",
        [](auto& c) {
          ctrl::bundle b;
@@ -88,11 +90,14 @@ std::vector<refusal> refusals() {
       {"a chassis bundle with an NPU short", [](auto& c) { return c.write_bundle(BUNDLE, two_members(), {{0}}); },
        error::bad_size},
       {"a chassis bundle on an NPU the chassis lacks",
-       [](auto& c) { return c.write_bundle(BUNDLE, two_members(), {{0, 2}}); }, error::out_of_range},
-      {"a prefix longer than 32 bits",
-       [](auto& c) { return c.add_prefix(ctrl::ipv4_prefix({0}, 0x0A000000, 33), {}); }, error::bad_prefix_length},
-      {"a prefix in a VRF not added",
-       [](auto& c) { return c.add_prefix(ctrl::ipv4_prefix({4}, 0x0A000000, 8), {}); }, error::unknown_vrf},
+       [](auto& c) {
+         return c.write_bundle(BUNDLE, two_members(), {{0, 2}});
+       },
+       error::out_of_range},
+      {"a prefix longer than 32 bits", [](auto& c) { return c.add_prefix(ctrl::ipv4_prefix({0}, 0x0A000000, 33), {}); },
+       error::bad_prefix_length},
+      {"a prefix in a VRF not added", [](auto& c) { return c.add_prefix(ctrl::ipv4_prefix({4}, 0x0A000000, 8), {}); },
+       error::unknown_vrf},
   };
 }
 
