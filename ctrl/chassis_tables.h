@@ -2,8 +2,9 @@
 // writes that must be identical on every NPU. A route, a chain record or a
 // bundle has the same index and the same member order on every NPU, so that
 // an index chosen by one NPU names the same thing on the next; the fabric's
-// VQI map and groups are the chassis's own. Every call checks its input on
-// every NPU first and writes nothing when it refuses.
+// VQI map and groups are the chassis's own. The NPUs are written only
+// through this owner, so they hold the same and answer alike: a call that
+// NPU 0 refuses is refused with nothing written anywhere.
 #pragma once
 
 #include <cstdint>
