@@ -6,8 +6,7 @@
 
 #include <memory>
 
-#include "ctrl/bundles.h"
-#include "ctrl/page_descriptors.h"
+#include "ctrl/chassis_tables.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_ing.h"
 #include "model/chassis.h"
@@ -22,18 +21,18 @@ constexpr std::uint32_t LAG_HASHES = 1 << 12;  // the 12 bundle bits of a flow h
 
 // One NPU of one thread holding a bundle of MEMBERS members, all its own.
 model::chassis& bundle_chassis() {
-  static std::unique_ptr<model::chassis> ch = [] {
-    auto c = std::make_unique<model::chassis>(std::vector<model::npu_config>{{1, 1}});
-    ctrl::install_page_descriptors(c->at(0));
+  static model::chassis ch({{1, 1}});
+  static ctrl::chassis_tables tables = [] {
+    ctrl::chassis_tables t(ch);
     ctrl::bundle b;
     for (std::uint32_t i = 0; i < MEMBERS; ++i) {
       b.members.push_back({0x100 + i, static_cast<std::uint16_t>(i), true, false, static_cast<std::uint8_t>(i)});
     }
-    if (ctrl::write_bundle(c->at(0), BUNDLE, b) != ctrl::error::none) std::abort();
-    c->start();
-    return c;
+    if (t.npu(0).lags().write(BUNDLE, b) != ctrl::error::none) std::abort();
+    ch.start();
+    return t;
   }();
-  return *ch;
+  return ch;
 }
 
 // Runs BATCH calls of call(env, i) on the NPU thread per iteration.

@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "ctrl/plu_routes.h"
+#include "ctrl/chassis_tables.h"
 #include "model/chassis.h"
 #include "npu/zephra/plu.h"
 #include "power.h"
@@ -52,19 +52,19 @@ model::ip_bytes ipv6_random(std::mt19937& rng, const std::vector<std::uint32_t>&
 // A table of routes with the addresses to search: most inside some route.
 struct route_set {
   std::vector<ctrl::route_prefix> routes;
-  std::vector<model::plu_route_key> searches;
+  std::vector<model::plu_route_key> searches;  // the engine's own keys: searched without the control side
 };
 
 route_set ipv4_routes() {
   std::mt19937 rng(4);
   route_set s;
   while (s.routes.size() < IPV4_ROUTES + IPV4_ROUTES / 10) {
-    s.routes.push_back(ctrl::ipv4_prefix(0, ipv4_random(rng), static_cast<std::uint8_t>(ipv4_length(rng))));
+    s.routes.push_back(ctrl::ipv4_prefix({0}, ipv4_random(rng), static_cast<std::uint8_t>(ipv4_length(rng))));
   }
   for (std::size_t i = 0; i < ADDRESSES; ++i) {
-    model::plu_route_key k = s.routes[rng() % s.routes.size()];
+    ctrl::route_prefix k = s.routes[rng() % s.routes.size()];
     for (int b = 3; b >= k.length / 8; --b) k.addr[b] = static_cast<std::uint8_t>(rng());
-    s.searches.push_back(k);
+    s.searches.push_back({PLU_IPV4_UNICAST, k.table, k.addr, k.length});
   }
   return s;
 }
@@ -76,12 +76,12 @@ route_set ipv6_routes() {
   route_set s;
   while (s.routes.size() < IPV6_ROUTES + IPV6_ROUTES / 20) {
     const auto length = static_cast<std::uint8_t>(ipv6_length(rng));
-    s.routes.push_back(ctrl::ipv6_prefix(0, ipv6_random(rng, allocations), length));
+    s.routes.push_back(ctrl::ipv6_prefix({0}, ipv6_random(rng, allocations), length));
   }
   for (std::size_t i = 0; i < ADDRESSES; ++i) {
-    model::plu_route_key k = s.routes[rng() % s.routes.size()];
+    ctrl::route_prefix k = s.routes[rng() % s.routes.size()];
     for (int b = 15; b >= k.length / 8; --b) k.addr[b] = static_cast<std::uint8_t>(rng());
-    s.searches.push_back(k);
+    s.searches.push_back({PLU_IPV6_UNICAST, k.table, k.addr, k.length});
   }
   return s;
 }
@@ -96,31 +96,33 @@ const route_set& ipv6_set() {
 }
 
 // Adds routes until `count` are in (the drawn list holds some twice).
-void load(model::npu& n, const route_set& s, std::size_t count) {
+void load(ctrl::npu_tables& tables, const route_set& s, std::size_t count) {
   const ctrl::route_leaf leaf{};
   std::size_t added = 0;
   for (std::size_t i = 0; i < s.routes.size() && added < count; ++i) {
-    added += ctrl::add_prefix(n, s.routes[i], leaf) == ctrl::error::none;
+    added += tables.routes().add_prefix(s.routes[i], leaf) == ctrl::error::none;
   }
 }
 
 // One NPU with its tables loaded once for all the search benchmarks.
 model::chassis& loaded_chassis() {
-  static std::unique_ptr<model::chassis> ch = [] {
-    auto c = std::make_unique<model::chassis>(std::vector<model::npu_config>{{1, 1}});
-    load(c->at(0), ipv4_set(), IPV4_ROUTES);
-    load(c->at(0), ipv6_set(), IPV6_ROUTES);
-    c->start();
-    return c;
+  static model::chassis ch({{1, 1}});
+  static ctrl::chassis_tables tables = [] {
+    ctrl::chassis_tables t(ch);
+    load(t.npu(0), ipv4_set(), IPV4_ROUTES);
+    load(t.npu(0), ipv6_set(), IPV6_ROUTES);
+    ch.start();
+    return t;
   }();
-  return *ch;
+  return ch;
 }
 
 void BM_load_ipv4_routes(benchmark::State& state) {
   const route_set& s = ipv4_set();
   for (auto _ : state) {
     model::chassis ch({{1, 1}});
-    load(ch.at(0), s, IPV4_ROUTES);
+    ctrl::chassis_tables tables(ch);
+    load(tables.npu(0), s, IPV4_ROUTES);
     state.counters["routes"] = static_cast<double>(ch.at(0).plu().routes());
   }
 }
@@ -130,7 +132,8 @@ void BM_load_ipv6_routes(benchmark::State& state) {
   const route_set& s = ipv6_set();
   for (auto _ : state) {
     model::chassis ch({{1, 1}});
-    load(ch.at(0), s, IPV6_ROUTES);
+    ctrl::chassis_tables tables(ch);
+    load(tables.npu(0), s, IPV6_ROUTES);
     state.counters["routes"] = static_cast<double>(ch.at(0).plu().routes());
   }
 }

@@ -59,22 +59,22 @@ error check(std::uint32_t bundle_id, const bundle& b) {
 
 }  // namespace
 
-error write_bundle(model::npu& n, std::uint32_t bundle_id, const bundle& b) {
+error bundles::write(std::uint32_t bundle_id, const bundle& b) {
   if (const error e = check(bundle_id, b); e != error::none) return e;
   const auto count = static_cast<std::uint32_t>(b.members.size());
-  for (std::uint32_t i = 0; i < count; ++i) write_member(n, bundle_id, i, member_record(b, b.members[i]));
-  write_record(n, bundle_address(bundle_id), bundle_record(bundle_id, b).bytes);
-  clear_members(n, bundle_id, count);
+  for (std::uint32_t i = 0; i < count; ++i) write_member(n_, bundle_id, i, member_record(b, b.members[i]));
+  write_record(n_, bundle_address(bundle_id), bundle_record(bundle_id, b).bytes);
+  clear_members(n_, bundle_id, count);
   return error::none;
 }
 
-error remove_bundle(model::npu& n, std::uint32_t bundle_id) {
+error bundles::remove(std::uint32_t bundle_id) {
   if (bundle_id >= BUNDLE_COUNT) return error::out_of_range;
   info rec{};
-  n.memory().read(n.memory().translate(bundle_address(bundle_id)), rec.bytes);
+  n_.memory().read(n_.memory().translate(bundle_address(bundle_id)), rec.bytes);
   if (!info::valid::get(rec)) return error::not_found;
-  write_record(n, bundle_address(bundle_id), info{}.bytes);
-  clear_members(n, bundle_id, 0);
+  write_record(n_, bundle_address(bundle_id), info{}.bytes);
+  clear_members(n_, bundle_id, 0);
   return error::none;
 }
 

@@ -35,13 +35,22 @@ struct bundle {
   std::vector<bundle_member> members;
 };
 
-// Adds bundle_id, or replaces it while threads read it: the new members are
-// written before the bundle record that counts them, and the records past
-// the list are cleared after it. out_of_range: a bundle ID beyond the table
-// or a VQI beyond the fabric's; bad_size: no members or more than 64.
-// Nothing is written on error.
-error write_bundle(model::npu& n, std::uint32_t bundle_id, const bundle& b);
-// The bundle record first, then its members. not_found: no such bundle.
-error remove_bundle(model::npu& n, std::uint32_t bundle_id);
+class bundles {
+ public:
+  explicit bundles(model::npu& n) : n_(n) {}
+
+  // Adds bundle_id, or replaces it while threads read it: the new members
+  // are written before the bundle record that counts them, and the records
+  // past the list are cleared after it. out_of_range: a bundle ID beyond the
+  // table or a VQI beyond the fabric's; bad_size: no members or more than
+  // 64. Nothing is written on error.
+  error write(std::uint32_t bundle_id, const bundle& b);
+  // The bundle record first, then its members: the block is free again.
+  // not_found: no such bundle.
+  error remove(std::uint32_t bundle_id);
+
+ private:
+  model::npu& n_;
+};
 
 }  // namespace ctrl

@@ -13,7 +13,6 @@ enum class error {
   unsupported,   // the table is not written this way
   bad_prefix_length,    // a prefix longer than its address family allows
   unknown_vrf,          // a VRF the control side has not added
-  unknown_key_code,     // a PLU key code that names no table of that kind
   unknown_profile,      // a TCAM profile that is not configured
   mask_value_mismatch,  // a TCAM value with a bit set where its mask is clear
 };

@@ -15,8 +15,10 @@ namespace {
 constexpr std::uint32_t MAX_INPUT_QUEUE = 0x7F;
 constexpr std::uint32_t MAX_SAT_ENCAP = 3;
 constexpr std::uint16_t MAX_VID = 0xFFF;
-constexpr std::uint32_t MAX_STATS_P = 0xFFFFFF;
 constexpr std::uint32_t MAX_UIDB_INDEX = 0xFFFF;
+// Statistics blocks lie past the per-thread replicas of relative counters.
+constexpr std::uint32_t STATS_BLOCKS_BASE = 0x20000;
+constexpr std::uint32_t STATS_BLOCK_COUNT = (0x100000 - STATS_BLOCKS_BASE) / STATS_BLOCK_ENTRIES;
 
 const lookup_hash_table_st& handle_table() { return HASH_TABLE_IFH_2_UIDB_KEY_TABLE; }
 
@@ -46,17 +48,13 @@ ingress_port_fields_part1_st port_record(const line_port& p) {
   return rec;
 }
 
-template <class Cfg>
-error check_settings(const Cfg& cfg) {
-  if (cfg.ingress_stats > MAX_STATS_P || cfg.egress_stats > MAX_STATS_P) return error::out_of_range;
-  return error::none;
-}
-
 model::parser_if_key key_of(std::uint32_t port, const std::vector<vlan_tag>& tags) {
   model::parser_if_key key{port, static_cast<std::uint32_t>(tags.size()), {}};
   for (std::size_t i = 0; i < tags.size(); ++i) key.vids[i] = tags[i].vid;
   return key;
 }
+
+interface_added refused(error e) { return {e, 0, {}}; }
 
 bool uidb_tables_installed(model::npu& n) {
   return paged_record_address(n, TPD_IDX_UIDB_L3_ING, 0) && paged_record_address(n, TPD_IDX_UIDB_L3_EGR, 0);
@@ -64,7 +62,10 @@ bool uidb_tables_installed(model::npu& n) {
 
 }  // namespace
 
-interfaces::interfaces(model::npu& n, hash_tables& hashes) : n_(n), hashes_(hashes) {}
+// UIDB index 0 is never handed out, so that a receive header without an
+// interface names none.
+interfaces::interfaces(model::npu& n, hash_tables& hashes)
+    : n_(n), hashes_(hashes), indexes_(1, MAX_UIDB_INDEX), stats_blocks_(0, STATS_BLOCK_COUNT) {}
 
 error interfaces::add_port(const line_port& p) {
   if (p.port > MAX_LINE_PORT || p.input_queue > MAX_INPUT_QUEUE || p.bits.sat_encap > MAX_SAT_ENCAP) {
@@ -106,6 +107,8 @@ error interfaces::remove(std::uint16_t uidb_index) {
   n_.parser().remove_interface(e.key);
   hashes_.remove(handle_table(), bytes_of(handle_key(e.if_handle)));
   clear_records(n_, uidb_index);
+  give_stats(e.place.stats);
+  indexes_.give(uidb_index);
   keys_.erase(e.key);
   handles_.erase(e.if_handle);
   entries_.erase(it);
@@ -127,20 +130,27 @@ template <class Cfg>
 interface_added interfaces::add_interface(std::uint32_t port, const std::vector<vlan_tag>& tags, tag_range range,
                                           const Cfg& cfg) {
   constexpr bool l2 = std::is_same_v<Cfg, l2_interface>;
-  if (!uidb_tables_installed(n_)) return {error::unsupported};
-  if (error e = check_place(port, tags, range); e != error::none) return {e};
-  if (error e = check_settings(cfg); e != error::none) return {e};
-  if (handles_.count(cfg.if_handle)) return {error::exists};
-  const std::uint16_t index = free_index();
-  if (index == 0) return {error::table_full};
-  if (error e = insert_handle(index, cfg.if_handle); e != error::none) return {e};
-  const entry& e = entries_[index] = {{port, port_handles_.at(port), tags}, key_of(port, tags), cfg.if_handle, l2};
+  if (!uidb_tables_installed(n_)) return refused(error::unsupported);
+  if (error e = check_place(port, tags, range); e != error::none) return refused(e);
+  if (handles_.count(cfg.if_handle)) return refused(error::exists);
+  const std::optional<std::uint32_t> taken = indexes_.lowest_free_from(0);
+  if (!taken) return refused(error::table_full);
+  const auto index = static_cast<std::uint16_t>(*taken);
+  const std::optional<interface_stats> stats = take_stats();
+  if (!stats) return refused(error::table_full);
+  if (error e = insert_handle(index, cfg.if_handle); e != error::none) {
+    give_stats(*stats);
+    return refused(e);
+  }
+  indexes_.take_at(index);
+  const entry& e = entries_[index] = {{port, port_handles_.at(port), tags, *stats}, key_of(port, tags), cfg.if_handle,
+                                      l2};
   keys_.insert(e.key);
   handles_.insert(cfg.if_handle);
   write_records(n_, index, e.place, cfg);
   write_marks(n_, index, marks_of(cfg, false));
   n_.parser().set_interface(e.key, {index, l2});
-  return {error::none, index};
+  return {error::none, index, *stats};
 }
 
 template <class Cfg>
@@ -149,7 +159,6 @@ error interfaces::update_interface(std::uint16_t uidb_index, const Cfg& cfg) {
   if (it == entries_.end()) return error::not_found;
   entry& e = it->second;
   if (e.l2 != std::is_same_v<Cfg, l2_interface>) return error::unsupported;
-  if (error err = check_settings(cfg); err != error::none) return err;
   if (cfg.if_handle != e.if_handle) {
     if (handles_.count(cfg.if_handle)) return error::exists;
     if (error err = insert_handle(uidb_index, cfg.if_handle); err != error::none) return err;
@@ -172,15 +181,20 @@ error interfaces::insert_handle(std::uint16_t uidb_index, std::uint32_t if_handl
   return hashes_.insert(handle_table(), bytes_of(handle_key(if_handle)), bytes_of(result));
 }
 
-// The lowest index not in use; 0 is never handed out, so that a receive
-// header without an interface names none.
-std::uint16_t interfaces::free_index() const {
-  std::uint32_t index = 1;
-  for (const auto& [used, e] : entries_) {
-    if (used != index) break;
-    ++index;
+std::optional<interface_stats> interfaces::take_stats() {
+  const std::optional<std::uint32_t> in = stats_blocks_.take();
+  if (!in) return std::nullopt;
+  const std::optional<std::uint32_t> out = stats_blocks_.take();
+  if (!out) {
+    stats_blocks_.give(*in);
+    return std::nullopt;
   }
-  return index > MAX_UIDB_INDEX ? 0 : static_cast<std::uint16_t>(index);
+  return interface_stats{STATS_BLOCKS_BASE + *in * STATS_BLOCK_ENTRIES, STATS_BLOCKS_BASE + *out * STATS_BLOCK_ENTRIES};
+}
+
+void interfaces::give_stats(const interface_stats& s) {
+  stats_blocks_.give((s.ingress - STATS_BLOCKS_BASE) / STATS_BLOCK_ENTRIES);
+  stats_blocks_.give((s.egress - STATS_BLOCKS_BASE) / STATS_BLOCK_ENTRIES);
 }
 
 }  // namespace ctrl

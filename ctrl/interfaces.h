@@ -1,7 +1,9 @@
 // Line ports and the interfaces on them, as the control side sets them up:
 // a physical port's own routed interface, VLAN sub-interfaces, and L2 ports.
-// Each interface gets a UIDB index, its records, its marks, its entry in
-// the interface-handle table and its place in the parser's (port, tags) map.
+// Each interface gets a UIDB index, a statistics block per direction, its
+// records, its marks, its entry in the interface-handle table and its place
+// in the parser's (port, tags) map; its removal gives the index and the
+// blocks back.
 // Every call checks its input first and changes nothing when it fails. One
 // control thread calls these.
 #pragma once
@@ -9,10 +11,12 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <set>
 
 #include "ctrl/error.h"
 #include "ctrl/hash_tables.h"
+#include "ctrl/index_pool.h"
 #include "ctrl/uidb_records.h"
 #include "model/npu.h"
 
@@ -43,7 +47,12 @@ struct line_port {
 struct interface_added {
   error err = error::none;
   std::uint16_t uidb_index = 0;
+  interface_stats stats;
 };
+
+// An interface's statistics block: the entries of one direction, with room
+// behind the static entries for its drops.
+inline constexpr std::uint32_t STATS_BLOCK_ENTRIES = 16;
 
 class interfaces {
  public:
@@ -82,10 +91,13 @@ class interfaces {
   template <class Cfg>
   error update_interface(std::uint16_t uidb_index, const Cfg& cfg);
   error insert_handle(std::uint16_t uidb_index, std::uint32_t if_handle);
-  std::uint16_t free_index() const;
+  std::optional<interface_stats> take_stats();
+  void give_stats(const interface_stats& s);
 
   model::npu& n_;
   hash_tables& hashes_;
+  index_pool indexes_;
+  index_pool stats_blocks_;
   std::map<std::uint32_t, std::uint32_t> port_handles_;  // the ports set up, with their handles
   std::map<std::uint16_t, entry> entries_;
   std::set<model::parser_if_key> keys_;

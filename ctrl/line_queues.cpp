@@ -8,9 +8,9 @@ namespace {
 constexpr std::uint32_t MAX_QUEUE_ID = 0xFFFF;
 }
 
-error map_line_queue(model::npu& n, std::uint32_t queue_id, std::uint32_t port) {
+error line_queues::map(std::uint32_t queue_id, std::uint32_t port) {
   if (queue_id > MAX_QUEUE_ID || port > MAX_LINE_PORT) return error::out_of_range;
-  n.map_queue_port(queue_id, port);
+  n_.map_queue_port(queue_id, port);
   return error::none;
 }
 

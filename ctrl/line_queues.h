@@ -8,9 +8,17 @@
 
 namespace ctrl {
 
-// Frames sent to queue_id (the line header's 16 bits) leave by line port
-// `port` of NPU n. out_of_range for a queue beyond 16 bits or a port beyond
-// the logical ports.
-error map_line_queue(model::npu& n, std::uint32_t queue_id, std::uint32_t port);
+class line_queues {
+ public:
+  explicit line_queues(model::npu& n) : n_(n) {}
+
+  // Frames sent to queue_id (the line header's 16 bits) leave by line port
+  // `port`. out_of_range for a queue beyond 16 bits or a port beyond the
+  // logical ports.
+  error map(std::uint32_t queue_id, std::uint32_t port);
+
+ private:
+  model::npu& n_;
+};
 
 }  // namespace ctrl

@@ -15,12 +15,6 @@ error write_page_descriptor(model::npu& n, std::uint32_t tpd_idx, std::uint32_t 
   return error::none;
 }
 
-void install_page_descriptors(model::npu& n) {
-  for (const lookup_page_st& p : LOOKUP_PAGES) {
-    write_page_descriptor(n, p.tpd_idx, PAGED_TABLES_BASE + p.tpd_idx * PAGED_TABLE_REGION, p.record_bytes);
-  }
-}
-
 std::optional<std::uint32_t> paged_record_address(model::npu& n, std::uint32_t tpd_idx, std::uint32_t index) {
   if (index > MAX_RECORD_INDEX) return std::nullopt;
   return n.pages().record_address(tpd_idx, index);

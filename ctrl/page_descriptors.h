@@ -15,8 +15,6 @@ inline constexpr std::uint32_t PAGED_TABLES_BASE = 0x90000000;
 inline constexpr std::uint32_t PAGED_TABLE_REGION = 0x01000000;
 
 error write_page_descriptor(model::npu& n, std::uint32_t tpd_idx, std::uint32_t base, std::uint32_t record_bytes);
-// Writes every descriptor that the lookup catalogue uses, in the layout above.
-void install_page_descriptors(model::npu& n);
 // Table-memory address of record `index` behind tpd_idx; none if the
 // descriptor is not written.
 std::optional<std::uint32_t> paged_record_address(model::npu& n, std::uint32_t tpd_idx, std::uint32_t index);

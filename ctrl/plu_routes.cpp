@@ -4,6 +4,9 @@ namespace ctrl {
 
 namespace {
 
+static_assert(ROUTE_LEAF_BYTES == PLU_LEAF_DATA_BYTES);
+static_assert(GROUP_LEAF_BYTES == sizeof(model::plu_group_leaf));
+
 constexpr std::uint32_t MAX_VRF = 0xFFFF;
 constexpr std::uint32_t MAX_BD_ID = 0xFFFFFF;
 constexpr std::uint8_t IPV4_MAX_LENGTH = 32;
@@ -20,77 +23,99 @@ error of(model::plu_engine::change c) {
 }
 
 error check(const route_prefix& p) {
-  switch (p.code) {
-    case PLU_IPV4_UNICAST:
+  switch (p.family) {
+    case route_family::ipv4:
       if (p.table > MAX_VRF) return error::unknown_vrf;
       return p.length > IPV4_MAX_LENGTH ? error::bad_prefix_length : error::none;
-    case PLU_IPV6_UNICAST:
+    case route_family::ipv6:
       if (p.table > MAX_VRF) return error::unknown_vrf;
       [[fallthrough]];
-    case PLU_IPV6_LL_UNICAST: return p.length > IPV6_MAX_LENGTH ? error::bad_prefix_length : error::none;
-    default: return error::unknown_key_code;
+    case route_family::ipv6_link_local: return p.length > IPV6_MAX_LENGTH ? error::bad_prefix_length : error::none;
   }
+  return error::out_of_range;  // a family value that names none
 }
 
 error check(const group_key& k) {
-  switch (k.code) {
-    case PLU_IPV4_SG_VRF:
-    case PLU_IPV6_SG_VRF: return k.table > MAX_VRF ? error::unknown_vrf : error::none;
-    case PLU_L2M4_SG:
-    case PLU_L2M6_SG: return k.table > MAX_BD_ID ? error::out_of_range : error::none;
-    default: return error::unknown_key_code;
+  switch (k.family) {
+    case group_family::ipv4_vrf:
+    case group_family::ipv6_vrf: return k.table > MAX_VRF ? error::unknown_vrf : error::none;
+    case group_family::ipv4_bridge:
+    case group_family::ipv6_bridge: return k.table > MAX_BD_ID ? error::out_of_range : error::none;
   }
+  return error::out_of_range;  // a family value that names none
 }
+
+std::uint8_t key_code(route_family f) {
+  switch (f) {
+    case route_family::ipv4: return PLU_IPV4_UNICAST;
+    case route_family::ipv6: return PLU_IPV6_UNICAST;
+    case route_family::ipv6_link_local: return PLU_IPV6_LL_UNICAST;
+  }
+  return 0;
+}
+
+std::uint8_t key_code(group_family f) {
+  switch (f) {
+    case group_family::ipv4_vrf: return PLU_IPV4_SG_VRF;
+    case group_family::ipv6_vrf: return PLU_IPV6_SG_VRF;
+    case group_family::ipv4_bridge: return PLU_L2M4_SG;
+    case group_family::ipv6_bridge: return PLU_L2M6_SG;
+  }
+  return 0;
+}
+
+model::plu_route_key plu_key(const route_prefix& p) { return {key_code(p.family), p.table, p.addr, p.length}; }
+model::plu_group_key plu_key(const group_key& k) { return {key_code(k.family), k.table, k.src, k.grp}; }
 
 }  // namespace
 
-route_prefix ipv4_prefix(std::uint32_t vrf, std::uint32_t addr, std::uint8_t length) {
-  route_prefix p{PLU_IPV4_UNICAST, vrf, {}, length};
+route_prefix ipv4_prefix(vrf_id vrf, std::uint32_t addr, std::uint8_t length) {
+  route_prefix p{route_family::ipv4, vrf.value, {}, length};
   for (int i = 0; i < 4; ++i) p.addr[i] = static_cast<std::uint8_t>(addr >> (24 - 8 * i));
   return p;
 }
 
-route_prefix ipv6_prefix(std::uint32_t vrf, const model::ip_bytes& addr, std::uint8_t length) {
-  return {PLU_IPV6_UNICAST, vrf, addr, length};
+route_prefix ipv6_prefix(vrf_id vrf, const ip_address& addr, std::uint8_t length) {
+  return {route_family::ipv6, vrf.value, addr, length};
 }
 
-route_prefix ipv6_link_local_prefix(std::uint32_t ifh, const model::ip_bytes& addr, std::uint8_t length) {
-  return {PLU_IPV6_LL_UNICAST, ifh, addr, length};
+route_prefix ipv6_link_local_prefix(std::uint32_t if_handle, const ip_address& addr, std::uint8_t length) {
+  return {route_family::ipv6_link_local, if_handle, addr, length};
 }
 
-error add_vrf(model::npu& n, std::uint32_t vrf) {
-  if (vrf > MAX_VRF) return error::out_of_range;
-  return n.plu().add_vrf(static_cast<std::uint16_t>(vrf)) ? error::none : error::exists;
+error plu_routes::add_vrf(vrf_id vrf) {
+  if (vrf.value > MAX_VRF) return error::out_of_range;
+  return n_.plu().add_vrf(static_cast<std::uint16_t>(vrf.value)) ? error::none : error::exists;
 }
 
-error add_prefix(model::npu& n, const route_prefix& prefix, const route_leaf& leaf) {
+error plu_routes::add_prefix(const route_prefix& prefix, const route_leaf& leaf) {
   if (const error e = check(prefix); e != error::none) return e;
-  return of(n.plu().add_route(prefix, leaf));
+  return of(n_.plu().add_route(plu_key(prefix), leaf));
 }
 
-error replace_prefix(model::npu& n, const route_prefix& prefix, const route_leaf& leaf) {
+error plu_routes::replace_prefix(const route_prefix& prefix, const route_leaf& leaf) {
   if (const error e = check(prefix); e != error::none) return e;
-  return of(n.plu().replace_route(prefix, leaf));
+  return of(n_.plu().replace_route(plu_key(prefix), leaf));
 }
 
-error delete_prefix(model::npu& n, const route_prefix& prefix) {
+error plu_routes::delete_prefix(const route_prefix& prefix) {
   if (const error e = check(prefix); e != error::none) return e;
-  return of(n.plu().delete_route(prefix));
+  return of(n_.plu().delete_route(plu_key(prefix)));
 }
 
-error add_group(model::npu& n, const group_key& key, const group_leaf& leaf) {
+error plu_routes::add_group(const group_key& key, const group_leaf& leaf) {
   if (const error e = check(key); e != error::none) return e;
-  return of(n.plu().add_group(key, leaf));
+  return of(n_.plu().add_group(plu_key(key), leaf));
 }
 
-error replace_group(model::npu& n, const group_key& key, const group_leaf& leaf) {
+error plu_routes::replace_group(const group_key& key, const group_leaf& leaf) {
   if (const error e = check(key); e != error::none) return e;
-  return of(n.plu().replace_group(key, leaf));
+  return of(n_.plu().replace_group(plu_key(key), leaf));
 }
 
-error delete_group(model::npu& n, const group_key& key) {
+error plu_routes::delete_group(const group_key& key) {
   if (const error e = check(key); e != error::none) return e;
-  return of(n.plu().delete_group(key));
+  return of(n_.plu().delete_group(plu_key(key)));
 }
 
 }  // namespace ctrl

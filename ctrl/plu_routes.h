@@ -1,8 +1,10 @@
 // Routes and multicast entries of the PLU: VRFs, prefixes with their leaves
 // (added, replaced, deleted), and exact (S, G) entries. Every call checks
-// its input first and leaves the tables as they were when it fails.
+// its input first and leaves the tables as they were when it fails. The keys
+// are the control side's own; they become the PLU's keys inside.
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "ctrl/error.h"
@@ -10,33 +12,60 @@
 
 namespace ctrl {
 
-// A route as the PLU keys it. key_code is PLU_IPV4_UNICAST,
-// PLU_IPV6_UNICAST or PLU_IPV6_LL_UNICAST; table is the VRF, or the
-// interface handle of a link-local route. Address bits past the length are
-// not part of the prefix.
-using route_prefix = model::plu_route_key;
-// Leaf data of the route (leaf_data_0 to leaf_data_6): the PLU appends the
-// prefix length and the result type.
-using route_leaf = model::plu_route_leaf;
+using ip_address = std::array<std::uint8_t, 16>;  // IPv4 in the first four bytes
 
-route_prefix ipv4_prefix(std::uint32_t vrf, std::uint32_t addr, std::uint8_t length);
-route_prefix ipv6_prefix(std::uint32_t vrf, const model::ip_bytes& addr, std::uint8_t length);
-route_prefix ipv6_link_local_prefix(std::uint32_t ifh, const model::ip_bytes& addr, std::uint8_t length);
+struct vrf_id {
+  std::uint32_t value = 0;  // 0 is the global table, always there
+};
 
-// VRF 0, the global table, is always there.
-error add_vrf(model::npu& n, std::uint32_t vrf);
-error add_prefix(model::npu& n, const route_prefix& prefix, const route_leaf& leaf);
-error replace_prefix(model::npu& n, const route_prefix& prefix, const route_leaf& leaf);
-error delete_prefix(model::npu& n, const route_prefix& prefix);
+enum class route_family { ipv4, ipv6, ipv6_link_local };
 
-// An (S, G) entry: key_code PLU_IPV4_SG_VRF or PLU_IPV6_SG_VRF with a VRF as
-// table, PLU_L2M4_SG or PLU_L2M6_SG with a 24-bit bridge domain. The leaf's
-// last two bits are the PLU's: it answers result_type there.
-using group_key = model::plu_group_key;
-using group_leaf = model::plu_group_leaf;
+// A route. table is the VRF, or the interface handle of a link-local
+// route. Address bits past the length are not part of the prefix.
+struct route_prefix {
+  route_family family = route_family::ipv4;
+  std::uint32_t table = 0;
+  ip_address addr{};
+  std::uint8_t length = 0;
+};
 
-error add_group(model::npu& n, const group_key& key, const group_leaf& leaf);
-error replace_group(model::npu& n, const group_key& key, const group_leaf& leaf);
-error delete_group(model::npu& n, const group_key& key);
+// The route's next hop as the leaf data holds it (leaf_data_0 to
+// leaf_data_6): the PLU appends the prefix length and the result type.
+inline constexpr std::size_t ROUTE_LEAF_BYTES = 26;
+using route_leaf = std::array<std::uint8_t, ROUTE_LEAF_BYTES>;
+
+route_prefix ipv4_prefix(vrf_id vrf, std::uint32_t addr, std::uint8_t length);
+route_prefix ipv6_prefix(vrf_id vrf, const ip_address& addr, std::uint8_t length);
+route_prefix ipv6_link_local_prefix(std::uint32_t if_handle, const ip_address& addr, std::uint8_t length);
+
+// An (S, G) entry: in a VRF (table is the VRF), or in a bridge domain of
+// 24 bits (table is the bridge domain).
+enum class group_family { ipv4_vrf, ipv6_vrf, ipv4_bridge, ipv6_bridge };
+struct group_key {
+  group_family family = group_family::ipv4_vrf;
+  std::uint32_t table = 0;
+  ip_address src{};
+  ip_address grp{};
+};
+// The leaf's last two bits are the PLU's: it answers result_type there.
+inline constexpr std::size_t GROUP_LEAF_BYTES = 32;
+using group_leaf = std::array<std::uint8_t, GROUP_LEAF_BYTES>;
+
+class plu_routes {
+ public:
+  explicit plu_routes(model::npu& n) : n_(n) {}
+
+  error add_vrf(vrf_id vrf);
+  error add_prefix(const route_prefix& prefix, const route_leaf& leaf);
+  error replace_prefix(const route_prefix& prefix, const route_leaf& leaf);
+  error delete_prefix(const route_prefix& prefix);
+
+  error add_group(const group_key& key, const group_leaf& leaf);
+  error replace_group(const group_key& key, const group_leaf& leaf);
+  error delete_group(const group_key& key);
+
+ private:
+  model::npu& n_;
+};
 
 }  // namespace ctrl

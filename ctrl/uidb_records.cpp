@@ -53,7 +53,7 @@ void set_egress_tags(uidb_l3_egr_fields_st& rec, const std::vector<vlan_tag>& ta
   }
 }
 
-uidb_l3_ing_fields_st l3_ingress(const l3_interface& c) {
+uidb_l3_ing_fields_st l3_ingress(const l3_interface& c, const interface_place& at) {
   using r = uidb_l3_ing_fields_st;
   r rec = c.ingress;
   r::coherency::set(rec, 1);
@@ -62,7 +62,7 @@ uidb_l3_ing_fields_st l3_ingress(const l3_interface& c) {
   r::global_int::set(rec, c.vrf == 0);
   r::table_id::set(rec, c.vrf);
   r::uidb_ifhandle::set(rec, c.if_handle);
-  r::stats_p::set(rec, c.ingress_stats);
+  r::stats_p::set(rec, at.stats.ingress);
   if (c.bundle_id) r::bundle_int::set(rec, 1);
   return rec;
 }
@@ -76,7 +76,7 @@ R egress_record(const Cfg& c, const interface_place& at, bool ext_req) {
   R::line_status_up::set(rec, c.line_up);
   R::ext_req::set(rec, ext_req);
   R::out_if::port_id::set(rec, at.port);
-  R::stats_p::set(rec, c.egress_stats);
+  R::stats_p::set(rec, at.stats.egress);
   return rec;
 }
 
@@ -103,14 +103,14 @@ uidb_ext_l3_egr_st l3_egress_ext(const l3_interface& c) {
   return rec;
 }
 
-uidb_l2_ing_st l2_ingress(const l2_interface& c) {
+uidb_l2_ing_st l2_ingress(const l2_interface& c, const interface_place& at) {
   using r = uidb_l2_ing_st;
   r rec = c.ingress;
   r::vpws::coherency::set(rec, 1);
   r::vpws::l2_uidb::set(rec, 1);
   r::vpws::vpls::set(rec, c.service == l2_service::bridge);
   if (c.service == l2_service::bridge) r::vpls::bd_id::set(rec, c.bd_id);
-  r::stats_p::set(rec, c.ingress_stats);
+  r::stats_p::set(rec, at.stats.ingress);
   return rec;
 }
 
@@ -154,7 +154,7 @@ mark_bits_st marks_of(const l2_interface& c, bool maintenance) {
 }
 
 void write_records(model::npu& n, std::uint32_t index, const interface_place& at, const l3_interface& c) {
-  write_at(n, paged(n, TPD_IDX_UIDB_L3_ING, index), l3_ingress(c));
+  write_at(n, paged(n, TPD_IDX_UIDB_L3_ING, index), l3_ingress(c, at));
   write_at(n, paged(n, TPD_IDX_UIDB_L3_EGR, index), l3_egress(c, at));
   write_at(n, direct(TABLE_BASE_UIDB_EXT_L3_EGR, TABLE_STRIDE_UIDB_EXT_L3_EGR, index), l3_egress_ext(c));
   const auto coherent = [](auto& rec) { std::remove_reference_t<decltype(rec)>::coherency_always_1::set(rec, 1); };
@@ -169,7 +169,7 @@ void write_records(model::npu& n, std::uint32_t index, const interface_place& at
 }
 
 void write_records(model::npu& n, std::uint32_t index, const interface_place& at, const l2_interface& c) {
-  write_at(n, paged(n, TPD_IDX_UIDB_L2_ING, index), l2_ingress(c));
+  write_at(n, paged(n, TPD_IDX_UIDB_L2_ING, index), l2_ingress(c, at));
   write_at(n, paged(n, TPD_IDX_UIDB_L2_EGR, index), l2_egress(c, at));
   write_extension(n, direct(TABLE_BASE_UIDB_EXT_L2_ING, TABLE_STRIDE_UIDB_EXT_L2_ING, index), c.ingress_ext,
                   [&](uidb_ext_l2_ing_st& rec) {

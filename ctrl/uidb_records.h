@@ -21,8 +21,6 @@ struct l3_interface {
   bool mpls = false;
   std::uint16_t vrf = 0;  // table_id; 0 is the global table
   bool line_up = true;
-  std::uint32_t ingress_stats = 0;  // stats_p of each direction, 24 bits
-  std::uint32_t egress_stats = 0;
   std::uint16_t mtu = 1500;
   // The bundle the interface is (ctrl/bundles.h): both records get
   // bundle_int, and the egress record's output is the bundle, not the port.
@@ -47,8 +45,6 @@ struct l2_interface {
   l2_service service = l2_service::bridge;
   std::uint16_t bd_id = 0;  // of a bridge port
   bool line_up = true;
-  std::uint32_t ingress_stats = 0;
-  std::uint32_t egress_stats = 0;
   uidb_l2_ing_st ingress{};
   uidb_l2_egr_st egress{};
   std::optional<uidb_ext_l2_ing_st> ingress_ext;
@@ -60,12 +56,20 @@ struct vlan_tag {
   std::uint16_t vid = 0;
 };
 
-// Where an interface sits: its line port, the port's handle and the tags
-// that select the interface.
+// The statistics blocks of an interface (stats_p of each direction): the
+// first entry of each, as the program counts it.
+struct interface_stats {
+  std::uint32_t ingress = 0;
+  std::uint32_t egress = 0;
+};
+
+// Where an interface sits: its line port, the port's handle, the tags that
+// select the interface, and the statistics blocks it was given.
 struct interface_place {
   std::uint32_t port = 0;
   std::uint32_t port_if_handle = 0;
   std::vector<vlan_tag> tags;
+  interface_stats stats;
 };
 
 // The marks that the parser copies into the receive header.

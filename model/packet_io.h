@@ -44,6 +44,7 @@ struct packet_outcome {
   std::vector<std::uint32_t> global_counters;  // global counters bumped while the thread held it
   std::vector<sent_frame> sent;                // frames that left while the thread held it
   std::optional<std::uint32_t> captured_drop;  // the reason under which the drop capture took it
+  std::optional<std::uint32_t> drop_counter;   // a freed packet's drop counter, as its drop named it
   std::string note;
 };
 

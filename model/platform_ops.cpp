@@ -116,3 +116,5 @@ void power_dbg_lookup_result(std::uint32_t, const char* name, std::uint32_t owne
 void power_dbg_lookup_new_pass() { current_thread().lookups.clear(); }
 
 void power_dbg_drop_capture(std::uint32_t drop_reason) { current_thread().current.captured_drop = drop_reason; }
+
+void power_drop_counted(std::uint32_t drop_counter) { current_thread().current.drop_counter = drop_counter; }

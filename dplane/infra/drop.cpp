@@ -58,6 +58,7 @@ void drop_packet_no_counter_internal(env_t env, boolean_t is_multicast_last, boo
   if (!keep && increment_np_counter) {
     npu_drop_capture_inline(env, drop_counter_index, *ps_get_pkt_start(env));
     lookup_request_ID_STATS_INC_GLB_CNT__DROP(env, drop_counter_index);
+    power_drop_counted(drop_counter_index);
   }
   lookup_request_ID_DROP_PKT(env);
 }

@@ -11,7 +11,6 @@
 
 #include "ctrl/bundles.h"
 #include "ctrl/counters.h"
-#include "ctrl/fabric.h"
 #include "dplane/infra/drop.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_ing.h"
@@ -61,15 +60,16 @@ class BundleAcrossFabric : public ::testing::Test {
               ctrl::error::none);
     for (std::uint32_t n = 0; n < NPUS; ++n) write_bundle(n, OWNERS);
     for (std::uint32_t i = 0; i < OWNERS.size(); ++i) {
-      EXPECT_EQ(ctrl::map_vqi(lc.harness().chassis(), VQI_BASE + i, OWNERS[i]), ctrl::error::none);
+      EXPECT_EQ(lc.harness().chassis_tables().map_vqi(VQI_BASE + i, OWNERS[i]), ctrl::error::none);
     }
     testkit::install_ipv4_uni_egress(lc.harness(), [this](env_t env) { egress(env); });
   }
 
   model::npu& npu(std::uint32_t n) { return lc.harness().npu(n); }
+  ctrl::npu_tables& tables(std::uint32_t n) { return lc.harness().tables(n); }
 
   void write_bundle(std::uint32_t n, const std::vector<std::uint32_t>& owners) {
-    EXPECT_EQ(ctrl::write_bundle(npu(n), BUNDLE, bundle_held_by(n, owners)), ctrl::error::none);
+    EXPECT_EQ(tables(n).lags().write(BUNDLE, bundle_held_by(n, owners)), ctrl::error::none);
   }
 
   // The egress side: the header's member turned into this NPU's port. The
@@ -163,7 +163,7 @@ TEST_F(BundleAcrossFabric, AMemberThatChangedOwnerInFlightDropsAt0xE2) {
   const std::vector<model::packet_outcome> at_owner = lc.harness().run(2);
   ASSERT_EQ(at_owner.size(), 1u);
   EXPECT_EQ(at_owner[0].global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
-  EXPECT_EQ(ctrl::read_global_counter(npu(2), DROP_LAG_MEMBER_NOT_LOCAL), 1u);
+  EXPECT_EQ(tables(2).stats().global(DROP_LAG_MEMBER_NOT_LOCAL), 1u);
   EXPECT_EQ(seen.lagm, 3u);
   EXPECT_EQ(seen.result, LAG_EGR_NO_MEMBER);
   EXPECT_EQ(seen.port, NOT_SEEN);
@@ -173,11 +173,11 @@ TEST_F(BundleAcrossFabric, AMemberThatChangedOwnerInFlightDropsAt0xE2) {
 // The bundle is removed on the ingress NPU, while the egress NPUs still hold
 // it: ingress drops, and nothing reaches the fabric.
 TEST_F(BundleAcrossFabric, ABundleGoneAtIngressDropsAt0x240AndSendsNothing) {
-  ASSERT_EQ(ctrl::remove_bundle(npu(0), BUNDLE), ctrl::error::none);
+  ASSERT_EQ(tables(0).lags().remove(BUNDLE), ctrl::error::none);
   const model::packet_outcome o = receive(0xFB1234CD);
   EXPECT_TRUE(o.sent.empty());
   EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_ING_INVALID}));
-  EXPECT_EQ(ctrl::read_global_counter(npu(0), DROP_LAG_ING_INVALID), 1u);
+  EXPECT_EQ(tables(0).stats().global(DROP_LAG_ING_INVALID), 1u);
   EXPECT_EQ(arrivals(), (std::vector<std::size_t>{0, 0, 0}));
   EXPECT_EQ(seen.lagm, NOT_SEEN);
 }

@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "ctrl/fabric.h"
 #include "ctrl/line_queues.h"
 #include "dma_common.h"
 #include "npu/zephra/pkt_buf.h"
@@ -62,10 +61,10 @@ class Transmit : public ::testing::Test {
     lc.add_port(IN_PORT);
     EXPECT_TRUE(lc.ifs().add_physical_port(IN_PORT, line_card::routed(IF_HANDLE, true, false, false)).err ==
                 ctrl::error::none);
-    EXPECT_EQ(ctrl::map_vqi(chassis(), VQI, VQI_NPU), ctrl::error::none);
-    EXPECT_EQ(ctrl::map_fabric_group(chassis(), FGID, FGID_NPUS), ctrl::error::none);
-    EXPECT_EQ(ctrl::map_fabric_group(chassis(), FGID_LOW, FGID_LOW_NPUS), ctrl::error::none);
-    EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), OUT_QUEUE, OUT_PORT), ctrl::error::none);
+    EXPECT_EQ(lc.harness().chassis_tables().map_vqi(VQI, VQI_NPU), ctrl::error::none);
+    EXPECT_EQ(lc.harness().chassis_tables().map_fabric_group(FGID, FGID_NPUS), ctrl::error::none);
+    EXPECT_EQ(lc.harness().chassis_tables().map_fabric_group(FGID_LOW, FGID_LOW_NPUS), ctrl::error::none);
+    EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(OUT_QUEUE, OUT_PORT), ctrl::error::none);
   }
 
   model::chassis& chassis() { return lc.harness().chassis(); }
@@ -235,8 +234,8 @@ TEST_F(Transmit, LineSendFromTheIngressBufferLeavesByTheQsmHeadersPort) {
 }
 
 TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
-  EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), 0x10000, OUT_PORT), ctrl::error::out_of_range);
-  EXPECT_EQ(ctrl::map_line_queue(lc.harness().npu(VQI_NPU), OUT_QUEUE, 0x1000), ctrl::error::out_of_range);
+  EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(0x10000, OUT_PORT), ctrl::error::out_of_range);
+  EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(OUT_QUEUE, 0x1000), ctrl::error::out_of_range);
   // The egress side runs as each frame crosses: first to an unmapped queue.
   std::uint32_t queue = OUT_QUEUE + 1;
   testkit::install_ipv4_uni_egress(lc.harness(), [&](env_t env) { send_to_queue(env, queue); });

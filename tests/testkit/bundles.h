@@ -1,4 +1,4 @@
-// Test bundles as the control side writes them (ctrl::write_bundle).
+// Test bundles as the control side writes them (ctrl::bundles).
 #pragma once
 
 #include <cstdint>

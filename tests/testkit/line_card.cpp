@@ -16,7 +16,7 @@ void line_card::add_port(std::uint32_t port, ctrl::port_bits bits, std::uint32_t
   p.input_queue = input_queue;
   p.if_handle = PORT_HANDLE_BASE + port;
   p.bits = bits;
-  if (ifs_.add_port(p) != ctrl::error::none) throw std::invalid_argument("line port refused");
+  if (ifs().add_port(p) != ctrl::error::none) throw std::invalid_argument("line port refused");
 }
 
 ctrl::l3_interface line_card::routed(std::uint32_t if_handle, bool ipv4, bool ipv6, bool mpls) {

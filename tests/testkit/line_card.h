@@ -5,8 +5,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "ctrl/hash_tables.h"
-#include "ctrl/interfaces.h"
 #include "pktlib/addresses.h"
 #include "testkit/npu_harness.h"
 
@@ -19,12 +17,12 @@ inline const pkt::mac_addr PEER_MAC = {0x02, 0x00, 0x00, 0x00, 0x00, 0x99};
 class line_card {
  public:
   // A chassis of `npus` NPUs; the ports and interfaces are NPU 0's.
-  explicit line_card(std::uint32_t npus = 1) : h_(npus), hashes_(h_.npu()), ifs_(h_.npu(), hashes_) {}
+  explicit line_card(std::uint32_t npus = 1) : h_(npus) {}
 
   npu_harness& harness() { return h_; }
   model::npu& npu() { return h_.npu(); }
-  ctrl::interfaces& ifs() { return ifs_; }
-  ctrl::hash_tables& hashes() { return hashes_; }
+  ctrl::npu_tables& tables() { return h_.tables(); }
+  ctrl::interfaces& ifs() { return h_.tables().ifs(); }
 
   // A line port with the router's MAC; its interface handle is 0x100 + port.
   void add_port(std::uint32_t port, ctrl::port_bits bits = {}, std::uint32_t input_queue = 0);
@@ -38,8 +36,6 @@ class line_card {
 
  private:
   npu_harness h_;
-  ctrl::hash_tables hashes_;
-  ctrl::interfaces ifs_;
 };
 
 }  // namespace testkit

@@ -2,14 +2,13 @@
 
 #include <algorithm>
 
-#include "ctrl/page_descriptors.h"
 #include "power.h"
 
 namespace testkit {
 
 npu_harness::npu_harness(std::uint32_t npus, std::uint32_t threads_per_npu)
     : chassis_(std::make_unique<model::chassis>(std::vector<model::npu_config>(npus, {threads_per_npu, 1}))) {
-  for (std::uint32_t i = 0; i < npus; ++i) ctrl::install_page_descriptors(chassis_->at(i));
+  tables_ = std::make_unique<ctrl::chassis_tables>(*chassis_);
   chassis_->start();
 }
 

@@ -1,5 +1,6 @@
-// Test harness: a chassis of software NPUs, distribution headers built field
-// by field, and a way to run program code on an NPU thread.
+// Test harness: a chassis of software NPUs with their control side,
+// distribution headers built field by field, and a way to run program code
+// on an NPU thread.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +8,7 @@
 #include <memory>
 #include <vector>
 
+#include "ctrl/chassis_tables.h"
 #include "dplane/infra/env.h"
 #include "model/chassis.h"
 #include "model/dist_hdr_builder.h"
@@ -22,6 +24,9 @@ class npu_harness {
 
   model::chassis& chassis() { return *chassis_; }
   model::npu& npu(std::uint32_t i = 0) { return chassis_->at(i); }
+  // The control side of the chassis, and of NPU i.
+  ctrl::chassis_tables& chassis_tables() { return *tables_; }
+  ctrl::npu_tables& tables(std::uint32_t i = 0) { return tables_->npu(i); }
 
   // Queues a packet; the payload is the packet's bytes at pkt_start.
   std::uint64_t send(const dist_hdr& hdr, std::vector<std::uint8_t> payload = {}, std::uint32_t npu_id = 0);
@@ -35,6 +40,7 @@ class npu_harness {
 
  private:
   std::unique_ptr<model::chassis> chassis_;
+  std::unique_ptr<ctrl::chassis_tables> tables_;
 };
 
 }  // namespace testkit

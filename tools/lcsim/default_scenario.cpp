@@ -25,8 +25,6 @@ scenario_packet make(std::string description, const dist_hdr_builder& hdr, std::
 constexpr std::uint32_t EGRESS_NPU = 1;
 constexpr std::uint32_t EGRESS_VQI = 0x123;
 constexpr std::uint32_t FABRIC_FRAME_BYTES = 64;
-// The statistics block of the line packets' interface, uidb index 0.
-constexpr std::uint32_t INTERFACE_STATS = 0x100;
 
 // A unicast fabric frame to EGRESS_VQI with a header of the given type.
 std::vector<std::uint8_t> fabric_frame(std::uint32_t nph_type) {
@@ -56,7 +54,6 @@ scenario default_scenario() {
   s.vqis.push_back({EGRESS_VQI, EGRESS_NPU});
   ctrl::l3_interface v6_only;
   v6_only.ipv6 = true;
-  v6_only.ingress_stats = INTERFACE_STATS;
   s.interfaces.push_back({0, 0, v6_only});
   auto& p = s.packets;
   p.push_back(make("line, IPv4 unicast vector", dist_hdr_builder::line(0).set<L::ipv4_en>(1)));
@@ -70,6 +67,7 @@ scenario default_scenario() {
   p.push_back(from_fabric("fabric, IPv4 unicast header", dist_hdr_builder::fabric(), NPH_TYPE_IPV4_UNI));
   p.push_back(from_fabric("fabric, header type without a handler", dist_hdr_builder::fabric(), 11));
   p.push_back(from_fabric("fabric, marked bad", dist_hdr_builder::fabric().set<L::error>(1), NPH_TYPE_IPV4_UNI));
+  for (scenario_packet& line : p) line.interface = 0;
   p.push_back(make("host buffer of unknown type", dist_hdr_builder::format(DST_FORMAT_PDMA_3), {0x03, 0, 0, 0}));
   return s;
 }

@@ -3,15 +3,13 @@
 #include <stdexcept>
 #include <string>
 
-#include "ctrl/hash_tables.h"
-#include "ctrl/interfaces.h"
-
 namespace lcsim {
 
 namespace {
-// The interface handle the tool gives its port and the port's interface.
-constexpr std::uint32_t PORT_IF_HANDLE = 0x1000;
-constexpr std::uint32_t INTERFACE_IF_HANDLE = 0x1001;
+// The interface handles the tool gives a port and the port's interface.
+constexpr std::uint32_t IF_HANDLE_BASE = 0x1000;
+std::uint32_t port_if_handle(std::uint32_t port) { return IF_HANDLE_BASE + 2 * port; }
+std::uint32_t interface_if_handle(std::uint32_t port) { return port_if_handle(port) + 1; }
 
 void check(ctrl::error e, const char* what) {
   if (e != ctrl::error::none) {
@@ -21,18 +19,23 @@ void check(ctrl::error e, const char* what) {
 }
 }  // namespace
 
-void set_up_line_port(model::npu& n, std::uint32_t port, const pkt::mac_addr& router_mac) {
-  ctrl::hash_tables hashes(n);
-  ctrl::interfaces ifs(n, hashes);
+ctrl::l3_interface routed_interface() {
+  ctrl::l3_interface l3;
+  l3.ipv4 = l3.ipv6 = l3.mpls = true;
+  return l3;
+}
+
+std::uint16_t set_up_line_port(ctrl::npu_tables& tables, std::uint32_t port, const pkt::mac_addr& router_mac,
+                               ctrl::l3_interface cfg) {
   ctrl::line_port p;
   p.port = port;
   p.mac = router_mac;
-  p.if_handle = PORT_IF_HANDLE;
-  check(ifs.add_port(p), "the line port");
-  ctrl::l3_interface l3;
-  l3.if_handle = INTERFACE_IF_HANDLE;
-  l3.ipv4 = l3.ipv6 = l3.mpls = true;
-  check(ifs.add_physical_port(port, l3).err, "the port's interface");
+  p.if_handle = port_if_handle(port);
+  check(tables.ifs().add_port(p), "the line port");
+  cfg.if_handle = interface_if_handle(port);
+  const ctrl::interface_added added = tables.ifs().add_physical_port(port, cfg);
+  check(added.err, "the port's interface");
+  return added.uidb_index;
 }
 
 }  // namespace lcsim

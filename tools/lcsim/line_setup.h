@@ -1,15 +1,21 @@
-// The line port of --in: set up through the control side as a routed port
-// with IPv4, IPv6 and MPLS on, so that the parser places its frames.
+// A line port of the tool, set up through the control side with its own
+// routed interface, so that the parser places its frames.
 #pragma once
 
 #include <cstdint>
 
-#include "model/npu.h"
+#include "ctrl/npu_tables.h"
 #include "pktlib/addresses.h"
 
 namespace lcsim {
 
-// Throws std::runtime_error naming what the control side refused.
-void set_up_line_port(model::npu& n, std::uint32_t port, const pkt::mac_addr& router_mac);
+// The port's interface routing IPv4, IPv6 and MPLS.
+ctrl::l3_interface routed_interface();
+
+// Sets up `port` and its interface with `cfg` (the tool gives the handles)
+// and returns the interface's UIDB index. Throws std::runtime_error naming
+// what the control side refused.
+std::uint16_t set_up_line_port(ctrl::npu_tables& tables, std::uint32_t port, const pkt::mac_addr& router_mac,
+                               ctrl::l3_interface cfg);
 
 }  // namespace lcsim

@@ -4,7 +4,7 @@
 #include <exception>
 #include <string>
 
-#include "ctrl/page_descriptors.h"
+#include "ctrl/chassis_tables.h"
 #include "line_setup.h"
 #include "model/chassis.h"
 #include "pcap_input.h"
@@ -29,10 +29,10 @@ struct options {
 int run(const options& opt) {
   const lcsim::scenario sc = opt.in.empty() ? lcsim::default_scenario() : lcsim::scenario_from_pcap(opt.in, opt.port);
   model::chassis chassis(std::vector<model::npu_config>(sc.npus, model::npu_config{opt.threads, 1}));
-  for (std::size_t n = 0; n < chassis.size(); ++n) ctrl::install_page_descriptors(chassis.at(n));
-  if (!opt.in.empty()) lcsim::set_up_line_port(chassis.at(0), opt.port, pkt::mac(opt.mac));
-  const std::vector<lcsim::packet_result> results = lcsim::run_scenario(chassis, sc);
-  lcsim::print_report(stdout, chassis, results);
+  ctrl::chassis_tables tables(chassis);
+  if (!opt.in.empty()) lcsim::set_up_line_port(tables.npu(0), opt.port, pkt::mac(opt.mac), lcsim::routed_interface());
+  const std::vector<lcsim::packet_result> results = lcsim::run_scenario(chassis, tables, sc);
+  lcsim::print_report(stdout, tables, results);
   chassis.stop();
   if (!opt.out.empty()) lcsim::write_outputs(opt.out, results);
   return 0;

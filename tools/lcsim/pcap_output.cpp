@@ -34,7 +34,9 @@ void make_directory(const std::filesystem::path& dir) {
 void write_outputs(const std::string& dir, const std::vector<packet_result>& results) {
   std::map<std::string, std::vector<pkt::pcap_record>> files{{"fabric.pcap", {}}, {"host.pcap", {}}};
   for (const packet_result& r : results) {
-    for (const model::sent_frame& f : r.outcome.sent) files[file_of(f)].push_back({r.input->timestamp, f.bytes});
+    // A frame that came from the fabric has no arrival time in the scenario.
+    const std::chrono::nanoseconds at = r.input ? r.input->timestamp : std::chrono::nanoseconds{};
+    for (const model::sent_frame& f : r.outcome.sent) files[file_of(f)].push_back({at, f.bytes});
   }
   const std::filesystem::path base(dir);
   make_directory(base);

@@ -1,10 +1,10 @@
 #include "report.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <string>
 
-#include "ctrl/counters.h"
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
 #include "platform/shared/placeholder.h"
@@ -33,12 +33,7 @@ std::string ending(const model::packet_outcome& o) {
     s += std::string("reached ") + (name ? name : "?") + " (not built yet), ";
   }
   if (o.end == model::packet_end::contract_breach) return s + "contract breach: " + o.note;
-  if (!o.global_counters.empty()) {
-    s += "dropped, counters";
-    for (std::uint32_t c : o.global_counters) s.append(" ").append(names::counter_label(c));
-    return s;
-  }
-  return s + model::packet_end_name(o.end);
+  return s + packet_fate(o);
 }
 
 void print_fields(std::FILE* out, const std::vector<std::uint8_t>& frame) {
@@ -72,7 +67,15 @@ void print_frames(std::FILE* out, const packet_result& r) {
 
 }  // namespace
 
-void print_report(std::FILE* out, model::chassis& chassis, const std::vector<packet_result>& results) {
+std::string packet_fate(const model::packet_outcome& o) {
+  const auto to_host = [](const model::sent_frame& f) { return f.to == model::frame_destination::host; };
+  if (std::any_of(o.sent.begin(), o.sent.end(), to_host)) return "punted";
+  if (o.end == model::packet_end::sent) return "sent";
+  if (o.drop_counter) return "dropped " + names::counter_label(*o.drop_counter);
+  return model::packet_end_name(o.end);
+}
+
+void print_report(std::FILE* out, ctrl::chassis_tables& tables, const std::vector<packet_result>& results) {
   std::fprintf(out, "Packets\n");
   for (const packet_result& r : results) {
     std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq),
@@ -81,13 +84,13 @@ void print_report(std::FILE* out, model::chassis& chassis, const std::vector<pac
     print_frames(out, r);
   }
   std::fprintf(out, "Counters\n");
-  for (std::size_t n = 0; n < chassis.size(); ++n) {
+  for (std::uint32_t n = 0; n < tables.size(); ++n) {
     std::map<std::uint32_t, std::uint64_t> moved;
     for (std::uint32_t i = 0; i < model::GLOBAL_COUNTER_COUNT; ++i) {
-      if (std::uint64_t v = ctrl::read_global_counter(chassis.at(n), i)) moved[i] = v;
+      if (std::uint64_t v = tables.npu(n).stats().global(i)) moved[i] = v;
     }
     for (const auto& [index, value] : moved) {
-      std::fprintf(out, "  npu %zu  global %-48s %llu\n", n, names::counter_label(index).c_str(),
+      std::fprintf(out, "  npu %u  global %-48s %llu\n", n, names::counter_label(index).c_str(),
                    static_cast<unsigned long long>(value));
     }
   }

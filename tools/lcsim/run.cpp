@@ -1,19 +1,52 @@
 #include "run.h"
 
 #include <algorithm>
+#include <cstring>
+#include <stdexcept>
+#include <string>
 #include <tuple>
 
-#include "ctrl/fabric.h"
+#include "line_setup.h"
+#include "platform/varn/dist_hdr.h"
 
 namespace lcsim {
 
-std::vector<packet_result> run_scenario(model::chassis& chassis, const scenario& sc) {
-  for (const vqi_route& v : sc.vqis) ctrl::map_vqi(chassis, v.vqi, v.npu);
-  for (const interface_record& i : sc.interfaces) ctrl::write_records(chassis.at(i.npu), i.uidb_index, {}, i.cfg);
+namespace {
+
+// The router MAC of the scenario's own interfaces.
+const pkt::mac_addr ROUTER_MAC = {0x02, 0x00, 0x00, 0x00, 0x00, 0x01};
+
+void check(ctrl::error e, const std::string& what) {
+  if (e != ctrl::error::none) {
+    throw std::runtime_error("the control side refused " + what + " (error " + std::to_string(static_cast<int>(e)) +
+                             ")");
+  }
+}
+
+// The packet with the UIDB index of the interface its header names.
+model::arriving_packet as_sent(const scenario_packet& p, const std::vector<std::uint16_t>& uidb_indexes) {
+  model::arriving_packet pkt = p.packet;
+  if (!p.interface) return pkt;
+  dist_hdr_line_st hdr;
+  std::memcpy(hdr.bytes, pkt.dist_hdr.data(), sizeof hdr.bytes);
+  dist_hdr_line_st::uidb_index::set(hdr, uidb_indexes.at(*p.interface));
+  std::memcpy(pkt.dist_hdr.data(), hdr.bytes, sizeof hdr.bytes);
+  return pkt;
+}
+
+}  // namespace
+
+std::vector<packet_result> run_scenario(model::chassis& chassis, ctrl::chassis_tables& tables, const scenario& sc) {
+  for (const vqi_route& v : sc.vqis) check(tables.map_vqi(v.vqi, v.npu), "VQI " + std::to_string(v.vqi));
+  std::vector<std::uint16_t> uidb_indexes;
+  for (const interface_record& i : sc.interfaces) {
+    uidb_indexes.push_back(set_up_line_port(tables.npu(i.npu), i.port, ROUTER_MAC, i.cfg));
+  }
   std::vector<std::uint64_t> seqs;
   for (const auto& p : sc.packets) {
     model::npu& n = chassis.at(p.npu);
-    seqs.push_back(p.line_port ? n.receive_line_frame(*p.line_port, p.packet.bytes) : n.enqueue(p.packet));
+    seqs.push_back(p.line_port ? n.receive_line_frame(*p.line_port, p.packet.bytes)
+                               : n.enqueue(as_sent(p, uidb_indexes)));
   }
   chassis.run_until_idle();
 

@@ -19,6 +19,9 @@ struct scenario_packet {
   // Set: packet.bytes is a frame from this line port, and the parser fills
   // its distribution header. Unset: packet.dist_hdr is given.
   std::optional<std::uint32_t> line_port;
+  // Set: the given header names this interface of the scenario (its UIDB
+  // index, which the control side chooses when the run sets it up).
+  std::optional<std::size_t> interface;
   model::arriving_packet packet;
 };
 
@@ -28,10 +31,10 @@ struct vqi_route {
   std::uint32_t npu = 0;
 };
 
-// An L3 interface whose records the given headers of packets name by index.
+// A line port with its own L3 interface, which given headers can name.
 struct interface_record {
   std::uint32_t npu = 0;
-  std::uint32_t uidb_index = 0;
+  std::uint32_t port = 0;
   ctrl::l3_interface cfg;
 };
 

@@ -36,5 +36,5 @@ inline void excw() {}
 inline void memory_barrier() {}
 inline void dma_wait_for_idle() {}
 
-// Capturing a dropped packet has no implementation on the hosted platform.
+// Captures a dropped packet: the platform records it with the packet's outcome.
 void capture_drop_packet_asm(std::uint32_t drop_reason);

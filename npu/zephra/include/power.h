@@ -31,6 +31,9 @@ void power_dbg_lookup_result(std::uint32_t lookup_id, const char* name, std::uin
 void power_dbg_lookup_new_pass();
 // The drop-capture hook took the packet: a software platform may keep it.
 void power_dbg_drop_capture(std::uint32_t drop_reason);
+// A drop names the counter it counted under just before it frees the
+// buffer, so that the platform can tell how the packet ended.
+void power_drop_counted(std::uint32_t drop_counter);
 
 // Coprocessor registers.
 inline constexpr std::uint32_t COP_THREAD_IDENTITY = 0;

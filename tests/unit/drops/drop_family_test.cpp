@@ -4,8 +4,7 @@
 // the egress drops, with their flow-export and mirror steps.
 #include <gtest/gtest.h>
 
-#include "ctrl/counters.h"
-#include "ctrl/uidb_records.h"
+#include "testkit/routed_port.h"
 #include "dplane/infra/drop.h"
 #include "dplane/infra/drop_paths.h"
 #include "dplane/infra/lookup.h"
@@ -19,9 +18,8 @@ using cf = common_flags_st;
 using counters = std::vector<std::uint32_t>;
 using dh = dist_hdr_line_st;
 
-constexpr std::uint32_t UIDB = 5;
-constexpr std::uint32_t INTERFACE_STATS = 0x300;
-constexpr std::uint32_t DROPS_ENTRY = INTERFACE_STATS + 8;
+// The first interface the control side adds gets UIDB index 1.
+constexpr std::uint32_t UIDB = 1;
 
 testkit::dist_hdr packet_of(std::uint32_t len) {
   return testkit::line_packet().set<dh::pktlen>(len).set<dh::uidb_index>(UIDB);
@@ -38,15 +36,19 @@ class DropFamily : public ::testing::Test {
     testkit::probe_vector(h, testkit::TEST_VECTOR, std::move(body));
     return h.one(packet_of(len));
   }
+  void set_up_interface(const ctrl::l3_interface& cfg) {
+    stats = testkit::add_routed_port(h.tables(), 1, cfg).stats;
+  }
   void set_up_interface(const uidb_l3_ing_fields_st& features = {}) {
     ctrl::l3_interface cfg;
     cfg.ingress = features;
-    cfg.ingress_stats = INTERFACE_STATS;
-    ctrl::write_records(h.npu(), UIDB, {}, cfg);
+    set_up_interface(cfg);
   }
-  model::stats_entry interface_drops() { return ctrl::read_stats_entry(h.npu(), DROPS_ENTRY); }
+  // Entry 8 of the interface's ingress block, behind its static entries.
+  model::stats_entry interface_drops() { return h.tables().stats().entry(stats.ingress + 8); }
 
   testkit::npu_harness h;
+  ctrl::interface_stats stats;
 };
 
 TEST_F(DropFamily, AKeptPacketCountsEachDropAndEndsAtTheFinalOne) {
@@ -59,6 +61,7 @@ TEST_F(DropFamily, AKeptPacketCountsEachDropAndEndsAtTheFinalOne) {
   });
   EXPECT_EQ(o.end, model::packet_end::freed);
   EXPECT_EQ(o.global_counters, (counters{0x101, 0x102, 0x103}));
+  EXPECT_EQ(o.drop_counter, 0x103u);
 }
 
 TEST_F(DropFamily, TheLastCopyOfAReplicationFreesTheKeptBuffer) {
@@ -144,6 +147,7 @@ TEST_F(DropFamily, KeptDropsAndDropsWithoutReasonAreNotCaptured) {
     drop_packet_no_counter(env);
   });
   EXPECT_FALSE(o.captured_drop.has_value());
+  EXPECT_FALSE(o.drop_counter.has_value());
 }
 
 // ---- drops that count on the interface ----
@@ -159,13 +163,6 @@ TEST_F(DropFamily, L3IngDropCountsOnTheInterfaceUnlessInjected) {
     l3_ing_drop(env, FALSE, 150, 0x589);
   });
   EXPECT_EQ(interface_drops(), (model::stats_entry{1, 150}));
-}
-
-TEST_F(DropFamily, AnInterfaceWithoutStatisticsCountsOnlyTheReason) {
-  ctrl::write_records(h.npu(), UIDB, {}, ctrl::l3_interface{});
-  const model::packet_outcome o = one([](env_t env) { l3_ing_drop(env, FALSE, 150, 0x589); });
-  EXPECT_EQ(o.global_counters, (counters{0x589}));
-  EXPECT_EQ(ctrl::read_stats_entry(h.npu(), 8), (model::stats_entry{}));
 }
 
 // The early drop of a path that has asked for its interface record.
@@ -228,7 +225,7 @@ TEST_F(DropFamily, EgressDropReachesFlowExportOnAnInterfaceWithIt) {
   uidb_l3_egr_fields_st::mpls_nf_en::set(egress, 1);
   ctrl::l3_interface cfg;
   cfg.egress = egress;
-  ctrl::write_records(h.npu(), UIDB, {}, cfg);
+  set_up_interface(cfg);
   const model::packet_outcome o = one([](env_t env) {
     lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
     drop_packet_egr_common__MPLS(env, FALSE, NF_DROP_REASON_BAD_OUTPUT_IF, 0x5AA);

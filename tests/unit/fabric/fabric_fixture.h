@@ -8,7 +8,6 @@
 #include <functional>
 #include <vector>
 
-#include "ctrl/fabric.h"
 #include "npu/zephra/pkt_buf.h"
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
@@ -39,7 +38,7 @@ inline const dc3_nph_st& header_of(const std::vector<std::uint8_t>& frame) {
 
 class FabricFixture : public ::testing::Test {
  protected:
-  FabricFixture() { EXPECT_EQ(ctrl::map_vqi(h.chassis(), DEST_VQI, 1), ctrl::error::none); }
+  FabricFixture() { EXPECT_EQ(h.chassis_tables().map_vqi(DEST_VQI, 1), ctrl::error::none); }
 
   // Sends one line packet with a payload of len bytes through body on NPU 0.
   model::packet_outcome send_through(std::uint32_t len, std::function<void(env_t)> body) {

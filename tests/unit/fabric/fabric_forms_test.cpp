@@ -117,7 +117,7 @@ TEST_F(FabricFixture, TracedIngressSendCountsOnce) {
     const auto counted = std::count(o.global_counters.begin(), o.global_counters.end(), GLB_CNT_TRACED_TO_FABRIC);
     EXPECT_EQ(counted, traced ? 1 : 0) << (traced ? "traced" : "not traced");
   }
-  EXPECT_EQ(ctrl::read_global_counter(h.npu(0), GLB_CNT_TRACED_TO_FABRIC), 1u);
+  EXPECT_EQ(h.tables(0).stats().global(GLB_CNT_TRACED_TO_FABRIC), 1u);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <ostream>
 #include <vector>
 
-#include "ctrl/fabric.h"
 #include "testkit/npu_harness.h"
 #include "testkit/param_names.h"
 
@@ -26,9 +25,9 @@ class FabricGroups : public ::testing::TestWithParam<group_case> {};
 
 TEST_P(FabricGroups, AcceptedCallsReplaceAndRefusedOnesChangeNothing) {
   testkit::npu_harness h(3);
-  ASSERT_EQ(ctrl::map_fabric_group(h.chassis(), FGID, MEMBERS), ctrl::error::none);
+  ASSERT_EQ(h.chassis_tables().map_fabric_group(FGID, MEMBERS), ctrl::error::none);
   const group_case& c = GetParam();
-  EXPECT_EQ(ctrl::map_fabric_group(h.chassis(), c.fgid, c.npus), c.expected);
+  EXPECT_EQ(h.chassis_tables().map_fabric_group(c.fgid, c.npus), c.expected);
   const bool replaced = c.expected == ctrl::error::none && c.fgid == FGID;
   EXPECT_EQ(h.chassis().npus_of_group(FGID), replaced ? c.npus : MEMBERS);
 }

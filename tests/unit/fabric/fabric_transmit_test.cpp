@@ -148,8 +148,8 @@ TEST_F(FabricTransmit, MulticastHeaderGetsItsChecksumAndUnicastDoesNot) {
 }
 
 TEST_F(FabricTransmit, UnmappedVqiLeavesTheFrameOnTheSenderWithANote) {
-  EXPECT_EQ(ctrl::map_vqi(h.chassis(), 2048, 1), ctrl::error::out_of_range);
-  EXPECT_EQ(ctrl::map_vqi(h.chassis(), 5, 2), ctrl::error::out_of_range);
+  EXPECT_EQ(h.chassis_tables().map_vqi(2048, 1), ctrl::error::out_of_range);
+  EXPECT_EQ(h.chassis_tables().map_vqi(5, 2), ctrl::error::out_of_range);
   const auto o = send_through(100, [](env_t env) {
     sent_record rec;
     prep_unicast(env, rec);

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "ctrl/counters.h"
-#include "ctrl/uidb_records.h"
+#include "testkit/routed_port.h"
 #include "foundation_test_util.h"
 
 namespace {
@@ -254,22 +254,18 @@ TEST(ExceptionVectors, MaintenanceModeDropsByTheUidbKindOfTheVector) {
   }
 }
 
-// The interface at uidb index 0 of the exception tests, with its statistics
-// block at INTERFACE_STATS: an interface drop counts in its entry 8.
-constexpr std::uint32_t INTERFACE_STATS = 0x200;
-void set_up_interface(testkit::npu_harness& h) {
-  ctrl::l3_interface cfg;
-  cfg.ingress_stats = INTERFACE_STATS;
-  ctrl::write_records(h.npu(), 0, {}, cfg);
-}
+// The interface of the exception tests: an interface drop counts in entry 8
+// of its statistics block.
+ctrl::interface_added set_up_interface(testkit::npu_harness& h) { return testkit::add_routed_port(h.tables(), 1); }
 
 TEST(ExceptionVectors, DisabledProtocolIsAnInterfaceDrop) {
   testkit::npu_harness h;
-  set_up_interface(h);
-  expect_outcome(h.one(clean_line(7).set<dh::ipv4_en>(0).set<dh::pktlen>(100)), {"", {0x589}});
-  expect_outcome(h.one(clean_line(8).set<dh::ipv6_en>(0).set<dh::pktlen>(200)), {"", {0x596}});
-  expect_outcome(h.one(clean_line(9).set<dh::mpls_en>(0).set<dh::pktlen>(300)), {"", {0x5A8}});
-  const model::stats_entry drops = ctrl::read_stats_entry(h.npu(), INTERFACE_STATS + 8);
+  const ctrl::interface_added ifc = set_up_interface(h);
+  const auto on_ifc = [&](std::uint32_t vector) { return clean_line(vector).set<dh::uidb_index>(ifc.uidb_index); };
+  expect_outcome(h.one(on_ifc(7).set<dh::ipv4_en>(0).set<dh::pktlen>(100)), {"", {0x589}});
+  expect_outcome(h.one(on_ifc(8).set<dh::ipv6_en>(0).set<dh::pktlen>(200)), {"", {0x596}});
+  expect_outcome(h.one(on_ifc(9).set<dh::mpls_en>(0).set<dh::pktlen>(300)), {"", {0x5A8}});
+  const model::stats_entry drops = h.tables().stats().entry(ifc.stats.ingress + 8);
   EXPECT_EQ(drops.packets, 3u);
   EXPECT_EQ(drops.bytes, 600u);
 }
@@ -282,10 +278,10 @@ TEST(ExceptionVectors, MplsNeedsADestinationMacOfClass1Or3) {
       {3, {"mpls_ing_nonperf", {}}},
   };
   testkit::npu_harness h;
-  set_up_interface(h);
+  const std::uint16_t uidb = set_up_interface(h).uidb_index;
   for (const auto& [da, e] : rows) {
     SCOPED_TRACE("da_bits " + std::to_string(da));
-    expect_outcome(h.one(clean_line(9).set<dh::da_bits>(da)), e);
+    expect_outcome(h.one(clean_line(9).set<dh::da_bits>(da).set<dh::uidb_index>(uidb)), e);
   }
 }
 

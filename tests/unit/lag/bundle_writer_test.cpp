@@ -64,12 +64,12 @@ TEST_F(BundleWriter, AReplacedBundleKeepsNoMemberPastItsList) {
 TEST_F(BundleWriter, RemovesTheBundleAndItsMembersOnce) {
   add(BUNDLE, bundle_of(4));
   add(BUNDLE + 1, bundle_of(4));
-  EXPECT_EQ(ctrl::remove_bundle(h.npu(), BUNDLE), ctrl::error::none);
+  EXPECT_EQ(h.tables().lags().remove(BUNDLE), ctrl::error::none);
   EXPECT_EQ(bundle_record(BUNDLE), record{});
   EXPECT_EQ(valid_members(BUNDLE), 0u);
   EXPECT_EQ(valid_members(BUNDLE + 1), 4u);
-  EXPECT_EQ(ctrl::remove_bundle(h.npu(), BUNDLE), ctrl::error::not_found);
-  EXPECT_EQ(ctrl::remove_bundle(h.npu(), ctrl::BUNDLE_COUNT), ctrl::error::out_of_range);
+  EXPECT_EQ(h.tables().lags().remove(BUNDLE), ctrl::error::not_found);
+  EXPECT_EQ(h.tables().lags().remove(ctrl::BUNDLE_COUNT), ctrl::error::out_of_range);
 }
 
 struct bad_bundle {
@@ -89,7 +89,7 @@ class BadBundle : public BundleWriter, public ::testing::WithParamInterface<bad_
 
 TEST_P(BadBundle, IsRefusedWithNothingWritten) {
   const bad_bundle& c = GetParam();
-  EXPECT_EQ(ctrl::write_bundle(h.npu(), c.bundle_id, c.b), c.error);
+  EXPECT_EQ(h.tables().lags().write(c.bundle_id, c.b), c.error);
   if (c.bundle_id < ctrl::BUNDLE_COUNT) {
     EXPECT_EQ(bundle_record(c.bundle_id), record{});
     EXPECT_EQ(valid_members(c.bundle_id), 0u);

@@ -2,7 +2,7 @@
 // inject header or the packet state, or a fresh hash, chosen by the caller's
 // thread bits and the packet's flags; and what fails: a bundle or member
 // that is not valid, a member on another NPU.
-#include "ctrl/uidb_records.h"
+#include "testkit/routed_port.h"
 #include "dplane/infra/lookup.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_egr_drop.h"
@@ -16,7 +16,8 @@ using lag_test::bundle_of;
 using lag_test::PORT_BASE;
 using cf = common_flags_st;
 
-constexpr std::uint32_t UIDB = 12;
+// The first interface the control side adds gets UIDB index 1.
+constexpr std::uint32_t UIDB = 1;
 constexpr std::uint16_t BUNDLE = 40;
 constexpr std::size_t HEADER_LAGM_BYTE = 14;
 constexpr std::size_t INJECT_LAGM_BYTE = 16 + 8 + 6;  // behind a line form's 16 bytes, in the extension
@@ -48,7 +49,7 @@ class EgressChoice : public BundleTest {
     uidb_l3_egr_fields_st::ipv4_nf_en::set(cfg.egress, 1);
     uidb_l3_egr_fields_st::ipv6_nf_en::set(cfg.egress, 1);
     uidb_l3_egr_fields_st::mpls_nf_en::set(cfg.egress, 1);
-    ctrl::write_records(h.npu(), UIDB, {}, cfg);
+    testkit::add_routed_port(h.tables(), 1, cfg);
   }
   static std::vector<std::uint8_t> packet(std::uint8_t header_lagm, std::uint8_t inject_lagm = 0) {
     std::vector<std::uint8_t> bytes(64, 0);

@@ -23,7 +23,7 @@ using testkit::VQI_BASE;
 class BundleTest : public ::testing::Test {
  protected:
   void add(std::uint32_t bundle_id, const ctrl::bundle& b) {
-    ASSERT_EQ(ctrl::write_bundle(h.npu(), bundle_id, b), ctrl::error::none);
+    ASSERT_EQ(h.tables().lags().write(bundle_id, b), ctrl::error::none);
   }
   // Runs body on the NPU thread with a packet of these bytes; a body that
   // does not end the packet has it freed without a counter.
@@ -37,7 +37,7 @@ class BundleTest : public ::testing::Test {
     bytes.resize(std::max<std::size_t>(bytes.size(), 64));
     return h.one(testkit::line_packet(), std::move(bytes));
   }
-  std::uint64_t counter(std::uint32_t index) { return ctrl::read_global_counter(h.npu(), index); }
+  std::uint64_t counter(std::uint32_t index) { return h.tables().stats().global(index); }
 
   testkit::npu_harness h;
 };

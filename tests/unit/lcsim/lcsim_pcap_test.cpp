@@ -87,6 +87,7 @@ TEST(LcsimPcap, BadArgumentsEndWithAMessage) {
 TEST(LcsimDefault, FabricFramesReachTheEgressDispatchOfNpu1WithTheirHeaderDecoded) {
   const run_result r = lcsim("");
   ASSERT_EQ(r.status, 0) << r.output;
+  EXPECT_EQ(r.output.find("ERROR"), std::string::npos) << r.output;
   EXPECT_NE(r.output.find("npu 1  fabric, IPv4 unicast header"), std::string::npos) << r.output;
   for (const char* field : {"dc3_plen 0x24", "dc3_sfp_valid 0x1", "dc3_fgid_or_sfp 0x123", "nph_type 0x1"}) {
     EXPECT_NE(r.output.find(field), std::string::npos) << field << "\n" << r.output;

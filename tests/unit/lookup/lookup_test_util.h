@@ -44,7 +44,7 @@ inline std::uint32_t port_config_address(std::uint32_t port) {
   return TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING;
 }
 
-inline std::uint64_t shadow_reads(testkit::npu_harness& h) { return ctrl::read_global_counter(h.npu(), GLB_CNT_SHADOW_READ); }
+inline std::uint64_t shadow_reads(testkit::npu_harness& h) { return h.tables().stats().global(GLB_CNT_SHADOW_READ); }
 
 // Death tests run their statement in a fresh process, which the chassis's
 // threads require.

@@ -18,16 +18,16 @@ std::uint8_t tag_of(std::uint32_t length) { return static_cast<std::uint8_t>(len
 
 TEST(PluConcurrency, SearchesSeeEachChangeWholeOrNotAtAll) {
   testkit::npu_harness h;
-  ASSERT_EQ(ctrl::add_prefix(h.npu(), ctrl::ipv4_prefix(0, 0x0A000000, 8), leaf_of(tag_of(8))), ctrl::error::none);
+  ASSERT_EQ(h.tables().routes().add_prefix(ctrl::ipv4_prefix({0}, 0x0A000000, 8), leaf_of(tag_of(8))), ctrl::error::none);
   std::atomic<bool> done{false};
   std::thread control([&] {
     for (int i = 0; i < CHANGES; ++i) {
       const std::uint32_t net = 0x0A000000 | (static_cast<std::uint32_t>(i % 64) << 16);
-      ctrl::add_prefix(h.npu(), ctrl::ipv4_prefix(0, net, 24), leaf_of(tag_of(24)));
-      ctrl::add_prefix(h.npu(), ctrl::ipv4_prefix(0, net | 5, 32), leaf_of(tag_of(32)));
-      ctrl::replace_prefix(h.npu(), ctrl::ipv4_prefix(0, net | 5, 32), leaf_of(tag_of(32)));
-      ctrl::delete_prefix(h.npu(), ctrl::ipv4_prefix(0, net, 24));
-      ctrl::delete_prefix(h.npu(), ctrl::ipv4_prefix(0, net | 5, 32));
+      h.tables().routes().add_prefix(ctrl::ipv4_prefix({0}, net, 24), leaf_of(tag_of(24)));
+      h.tables().routes().add_prefix(ctrl::ipv4_prefix({0}, net | 5, 32), leaf_of(tag_of(32)));
+      h.tables().routes().replace_prefix(ctrl::ipv4_prefix({0}, net | 5, 32), leaf_of(tag_of(32)));
+      h.tables().routes().delete_prefix(ctrl::ipv4_prefix({0}, net, 24));
+      h.tables().routes().delete_prefix(ctrl::ipv4_prefix({0}, net | 5, 32));
     }
     done = true;
   });

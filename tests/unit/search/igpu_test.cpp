@@ -33,7 +33,7 @@ resp classify(testkit::npu_harness& h, const req& r) {
 
 TEST(Igpu, AMatchAnswersTheInterfaceAndItsMarks) {
   testkit::npu_harness h;
-  ASSERT_EQ(ctrl::write_igpu_entry(h.npu(), two_tags(100, 200), 0x1234, 0xABCDE), ctrl::error::none);
+  ASSERT_EQ(h.tables().tcam().write_igpu_entry(two_tags(100, 200), 0x1234, 0xABCDE), ctrl::error::none);
   req asked = two_tags(100, 200);
   req::reserved_1::set(asked, 0xFFFF);  // not compared
   const resp hit = classify(h, asked);
@@ -41,15 +41,15 @@ TEST(Igpu, AMatchAnswersTheInterfaceAndItsMarks) {
   EXPECT_EQ(resp::uidb_index::get(hit), 0x1234u);
   EXPECT_EQ(resp::mark_bits::get(hit), 0xABCDEu);
   EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 201))), 0u);
-  ASSERT_EQ(ctrl::delete_igpu_entry(h.npu(), two_tags(100, 200)), ctrl::error::none);
+  ASSERT_EQ(h.tables().tcam().delete_igpu_entry(two_tags(100, 200)), ctrl::error::none);
   EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 200))), 0u);
 }
 
 TEST(Igpu, MarksWiderThanTwentyBitsAreRefused) {
   testkit::npu_harness h;
-  EXPECT_EQ(ctrl::write_igpu_entry(h.npu(), two_tags(1, 2), 1, 0x100000), ctrl::error::out_of_range);
+  EXPECT_EQ(h.tables().tcam().write_igpu_entry(two_tags(1, 2), 1, 0x100000), ctrl::error::out_of_range);
   EXPECT_EQ(resp::result::get(classify(h, two_tags(1, 2))), 0u);
-  EXPECT_EQ(ctrl::delete_igpu_entry(h.npu(), two_tags(1, 2)), ctrl::error::not_found);
+  EXPECT_EQ(h.tables().tcam().delete_igpu_entry(two_tags(1, 2)), ctrl::error::not_found);
 }
 
 }  // namespace

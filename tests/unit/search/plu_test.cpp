@@ -46,18 +46,19 @@ answer answer_at(env_t env) {
 class PluRoutes : public testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_EQ(ctrl::add_vrf(n(), 7), ctrl::error::none);
-    add(ctrl::ipv4_prefix(0, 0x0A000000, 8), 1);
-    add(ctrl::ipv4_prefix(0, 0x0A010000, 16), 2);
-    add(ctrl::ipv4_prefix(0, 0x0A010200, 24), 3);
-    add(ctrl::ipv4_prefix(7, 0x0A010203, 32), 4);
-    add(ctrl::ipv6_prefix(0, ipv6({0x2001, 0xdb8}), 32), 5);
-    add(ctrl::ipv6_prefix(0, ipv6({0x2001, 0xdb8, 1}), 48), 6);
+    ASSERT_EQ(tables().routes().add_vrf({7}), ctrl::error::none);
+    add(ctrl::ipv4_prefix({0}, 0x0A000000, 8), 1);
+    add(ctrl::ipv4_prefix({0}, 0x0A010000, 16), 2);
+    add(ctrl::ipv4_prefix({0}, 0x0A010200, 24), 3);
+    add(ctrl::ipv4_prefix({7}, 0x0A010203, 32), 4);
+    add(ctrl::ipv6_prefix({0}, ipv6({0x2001, 0xdb8}), 32), 5);
+    add(ctrl::ipv6_prefix({0}, ipv6({0x2001, 0xdb8, 1}), 48), 6);
     add(ctrl::ipv6_link_local_prefix(0x01020304, ipv6({0xfe80, 0, 0, 0, 0, 0, 0, 1}), 128), 7);
   }
   model::npu& n() { return h.npu(); }
+  ctrl::npu_tables& tables() { return h.tables(); }
   void add(const ctrl::route_prefix& p, std::uint8_t tag) {
-    ASSERT_EQ(ctrl::add_prefix(n(), p, leaf_of(tag)), ctrl::error::none);
+    ASSERT_EQ(tables().routes().add_prefix(p, leaf_of(tag)), ctrl::error::none);
   }
   answer search_v4(std::uint16_t vrf, std::uint32_t addr) {
     answer a{};
@@ -148,11 +149,11 @@ TEST_F(PluRoutes, LinkLocalRoutesBelongToTheirInterface) {
 }
 
 TEST_F(PluRoutes, ReplaceChangesTheLeafAndDeleteFallsBackToTheCoveringPrefix) {
-  ASSERT_EQ(ctrl::replace_prefix(n(), ctrl::ipv4_prefix(0, 0x0A010200, 24), leaf_of(9)), ctrl::error::none);
+  ASSERT_EQ(tables().routes().replace_prefix(ctrl::ipv4_prefix({0}, 0x0A010200, 24), leaf_of(9)), ctrl::error::none);
   EXPECT_EQ(search_v4(0, 0x0A010203).leaf, 9);
-  ASSERT_EQ(ctrl::delete_prefix(n(), ctrl::ipv4_prefix(0, 0x0A010200, 24)), ctrl::error::none);
+  ASSERT_EQ(tables().routes().delete_prefix(ctrl::ipv4_prefix({0}, 0x0A010200, 24)), ctrl::error::none);
   EXPECT_EQ(search_v4(0, 0x0A010203).leaf, 2);
-  ASSERT_EQ(ctrl::delete_prefix(n(), ctrl::ipv6_prefix(0, ipv6({0x2001, 0xdb8}), 32)), ctrl::error::none);
+  ASSERT_EQ(tables().routes().delete_prefix(ctrl::ipv6_prefix({0}, ipv6({0x2001, 0xdb8}), 32)), ctrl::error::none);
   EXPECT_EQ(search_v6(0, ipv6({0x2001, 0xdb8, 1})).leaf, 6);
   EXPECT_EQ(search_v6(0, ipv6({0x2001, 0xdb8, 2})).type, PLU_RESULT_NO_MATCH);
 }
@@ -168,9 +169,9 @@ class PluRouteRefusals : public PluRoutes, public testing::WithParamInterface<re
 TEST_P(PluRouteRefusals, LeaveTheTablesAsTheyWere) {
   const refusal& r = GetParam();
   const std::size_t routes = n().plu().routes();
-  EXPECT_EQ(ctrl::add_prefix(n(), r.prefix, leaf_of(0xEE)), r.want);
+  EXPECT_EQ(tables().routes().add_prefix(r.prefix, leaf_of(0xEE)), r.want);
   if (r.want != ctrl::error::exists) {
-    EXPECT_EQ(ctrl::replace_prefix(n(), r.prefix, leaf_of(0xEE)), r.want);
+    EXPECT_EQ(tables().routes().replace_prefix(r.prefix, leaf_of(0xEE)), r.want);
   }
   EXPECT_EQ(n().plu().routes(), routes);
   EXPECT_EQ(search_v4(0, 0x0A010203).leaf, 3);
@@ -179,26 +180,26 @@ TEST_P(PluRouteRefusals, LeaveTheTablesAsTheyWere) {
 
 INSTANTIATE_TEST_SUITE_P(
     Input, PluRouteRefusals,
-    testing::Values(refusal{"Ipv4LongerThan32", ctrl::ipv4_prefix(0, 0x0A010203, 33), ctrl::error::bad_prefix_length},
-                    refusal{"Ipv6LongerThan128", ctrl::ipv6_prefix(0, ipv6({0x2001}), 129),
+    testing::Values(refusal{"Ipv4LongerThan32", ctrl::ipv4_prefix({0}, 0x0A010203, 33), ctrl::error::bad_prefix_length},
+                    refusal{"Ipv6LongerThan128", ctrl::ipv6_prefix({0}, ipv6({0x2001}), 129),
                             ctrl::error::bad_prefix_length},
-                    refusal{"VrfNotAdded", ctrl::ipv4_prefix(5, 0x0A010203, 32), ctrl::error::unknown_vrf},
-                    refusal{"VrfPastSixteenBits", ctrl::ipv4_prefix(0x10007, 0x0A010203, 32), ctrl::error::unknown_vrf},
-                    refusal{"KeyCodeOfNoRoutes", {PLU_MAC_FWD, 0, {10, 1, 2, 3}, 32}, ctrl::error::unknown_key_code},
-                    refusal{"PrefixThereAlready", ctrl::ipv4_prefix(7, 0x0A010203, 32), ctrl::error::exists}),
+                    refusal{"VrfNotAdded", ctrl::ipv4_prefix({5}, 0x0A010203, 32), ctrl::error::unknown_vrf},
+                    refusal{"VrfPastSixteenBits", ctrl::ipv4_prefix({0x10007}, 0x0A010203, 32), ctrl::error::unknown_vrf},
+                    refusal{"PrefixThereAlready", ctrl::ipv4_prefix({7}, 0x0A010203, 32), ctrl::error::exists}),
     [](const testing::TestParamInfo<refusal>& p) { return p.param.name; });
 
 TEST_F(PluRoutes, ChangesOfAbsentRoutesAreRefused) {
-  EXPECT_EQ(ctrl::replace_prefix(n(), ctrl::ipv4_prefix(0, 0x0C000000, 8), leaf_of(1)), ctrl::error::not_found);
-  EXPECT_EQ(ctrl::delete_prefix(n(), ctrl::ipv4_prefix(0, 0x0A010000, 17)), ctrl::error::not_found);
-  EXPECT_EQ(ctrl::delete_prefix(n(), ctrl::ipv6_link_local_prefix(9, ipv6({0xfe80}), 64)), ctrl::error::not_found);
-  EXPECT_EQ(ctrl::add_vrf(n(), 7), ctrl::error::exists);
-  EXPECT_EQ(ctrl::add_vrf(n(), 0x10000), ctrl::error::out_of_range);
+  EXPECT_EQ(tables().routes().replace_prefix(ctrl::ipv4_prefix({0}, 0x0C000000, 8), leaf_of(1)), ctrl::error::not_found);
+  EXPECT_EQ(tables().routes().delete_prefix(ctrl::ipv4_prefix({0}, 0x0A010000, 17)), ctrl::error::not_found);
+  EXPECT_EQ(tables().routes().delete_prefix(ctrl::ipv6_link_local_prefix(9, ipv6({0xfe80}), 64)), ctrl::error::not_found);
+  EXPECT_EQ(tables().routes().add_vrf({7}), ctrl::error::exists);
+  EXPECT_EQ(tables().routes().add_vrf({0x10000}), ctrl::error::out_of_range);
 }
 
 class PluGroups : public testing::Test {
  protected:
   model::npu& n() { return h.npu(); }
+  ctrl::npu_tables& tables() { return h.tables(); }
   std::uint8_t group_search(std::uint16_t vrf, std::uint32_t s, std::uint32_t g, std::uint32_t* type) {
     std::uint8_t first = 0;
     h.on_thread([&](env_t env) {
@@ -209,8 +210,8 @@ class PluGroups : public testing::Test {
     });
     return first;
   }
-  static ctrl::group_key ipv4_group(std::uint8_t code, std::uint32_t table, std::uint32_t s, std::uint32_t g) {
-    ctrl::group_key k{code, table, {}, {}};
+  static ctrl::group_key ipv4_group(ctrl::group_family family, std::uint32_t table, std::uint32_t s, std::uint32_t g) {
+    ctrl::group_key k{family, table, {}, {}};
     for (int i = 0; i < 4; ++i) {
       k.src[i] = static_cast<std::uint8_t>(s >> (24 - 8 * i));
       k.grp[i] = static_cast<std::uint8_t>(g >> (24 - 8 * i));
@@ -226,9 +227,9 @@ class PluGroups : public testing::Test {
 };
 
 TEST_F(PluGroups, SourceAndGroupMatchExactly) {
-  ASSERT_EQ(ctrl::add_group(n(), ipv4_group(PLU_IPV4_SG_VRF, 0, 0x0A000001, 0xE0010101), group_leaf_of(0x11)),
+  ASSERT_EQ(tables().routes().add_group(ipv4_group(ctrl::group_family::ipv4_vrf, 0, 0x0A000001, 0xE0010101), group_leaf_of(0x11)),
             ctrl::error::none);
-  ASSERT_EQ(ctrl::add_group(n(), ipv4_group(PLU_IPV4_SG_VRF, 0, 0, 0xE0010101), group_leaf_of(0x22)),
+  ASSERT_EQ(tables().routes().add_group(ipv4_group(ctrl::group_family::ipv4_vrf, 0, 0, 0xE0010101), group_leaf_of(0x22)),
             ctrl::error::none);
   std::uint32_t type = 0;
   EXPECT_EQ(group_search(0, 0x0A000001, 0xE0010101, &type), 0x11);
@@ -236,15 +237,15 @@ TEST_F(PluGroups, SourceAndGroupMatchExactly) {
   EXPECT_EQ(group_search(0, 0, 0xE0010101, &type), 0x22);
   group_search(0, 0x0A000002, 0xE0010101, &type);
   EXPECT_EQ(type, PLU_RESULT_NO_MATCH);
-  ASSERT_EQ(ctrl::delete_group(n(), ipv4_group(PLU_IPV4_SG_VRF, 0, 0, 0xE0010101)), ctrl::error::none);
+  ASSERT_EQ(tables().routes().delete_group(ipv4_group(ctrl::group_family::ipv4_vrf, 0, 0, 0xE0010101)), ctrl::error::none);
   group_search(0, 0, 0xE0010101, &type);
   EXPECT_EQ(type, PLU_RESULT_NO_MATCH);
 }
 
 TEST_F(PluGroups, BridgeDomainEntriesOfIpv6AreFoundByTheirDomain) {
-  const ctrl::group_key k{PLU_L2M6_SG, 0x123456, ipv6({0x2001, 0xdb8, 0, 0, 0, 0, 0, 1}),
+  const ctrl::group_key k{ctrl::group_family::ipv6_bridge, 0x123456, ipv6({0x2001, 0xdb8, 0, 0, 0, 0, 0, 1}),
                           ipv6({0xff0e, 0, 0, 0, 0, 0, 0, 1})};
-  ASSERT_EQ(ctrl::add_group(n(), k, group_leaf_of(0x33)), ctrl::error::none);
+  ASSERT_EQ(tables().routes().add_group(k, group_leaf_of(0x33)), ctrl::error::none);
   h.on_thread([&](env_t env) {
     plu_l2m6_sg(env, 0x123456, k.src.data(), k.grp.data(), REQ, RESP);
     EXPECT_EQ(*dmem_at(env, RESP), 0x33);
@@ -255,12 +256,10 @@ TEST_F(PluGroups, BridgeDomainEntriesOfIpv6AreFoundByTheirDomain) {
 }
 
 TEST_F(PluGroups, RefusalsNameWhatIsWrong) {
-  EXPECT_EQ(ctrl::add_group(n(), ipv4_group(PLU_IPV4_SG_VRF, 3, 1, 2), group_leaf_of(1)), ctrl::error::unknown_vrf);
-  EXPECT_EQ(ctrl::add_group(n(), ipv4_group(PLU_L2M4_SG, 0x1000000, 1, 2), group_leaf_of(1)),
+  EXPECT_EQ(tables().routes().add_group(ipv4_group(ctrl::group_family::ipv4_vrf, 3, 1, 2), group_leaf_of(1)), ctrl::error::unknown_vrf);
+  EXPECT_EQ(tables().routes().add_group(ipv4_group(ctrl::group_family::ipv4_bridge, 0x1000000, 1, 2), group_leaf_of(1)),
             ctrl::error::out_of_range);
-  EXPECT_EQ(ctrl::add_group(n(), ipv4_group(PLU_IPV4_UNICAST, 0, 1, 2), group_leaf_of(1)),
-            ctrl::error::unknown_key_code);
-  EXPECT_EQ(ctrl::replace_group(n(), ipv4_group(PLU_L2M4_SG, 1, 1, 2), group_leaf_of(1)), ctrl::error::not_found);
+  EXPECT_EQ(tables().routes().replace_group(ipv4_group(ctrl::group_family::ipv4_bridge, 1, 1, 2), group_leaf_of(1)), ctrl::error::not_found);
 }
 
 #ifndef NDEBUG

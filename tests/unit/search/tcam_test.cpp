@@ -72,12 +72,13 @@ class TcamSearches : public testing::Test {
     key400 bmr;
     bmr.fill(0xFF);
     bmr[0] = 0x0F;  // a search with bmr enabled ignores the high half of the first byte
-    ASSERT_EQ(ctrl::configure_tcam_profile(n(), ACL, 400, bmr), ctrl::error::none);
-    ASSERT_EQ(ctrl::configure_tcam_profile(n(), QOS, 400), ctrl::error::none);
+    ASSERT_EQ(tables().tcam().configure_profile(ACL, 400, bmr), ctrl::error::none);
+    ASSERT_EQ(tables().tcam().configure_profile(QOS, 400), ctrl::error::none);
   }
   model::npu& n() { return h.npu(); }
+  ctrl::npu_tables& tables() { return h.tables(); }
   void entry(std::uint32_t index, std::uint32_t profile, const key400& value, const key400& mask) {
-    ASSERT_EQ(ctrl::write_tcam_entry(n(), {index, profile, value, mask}), ctrl::error::none);
+    ASSERT_EQ(tables().tcam().write_entry({index, profile, value, mask}), ctrl::error::none);
   }
   // Searches `key` in one profile through resource 59; the hit address, or none.
   std::optional<std::uint32_t> search(const key400& key, std::uint32_t profile, boolean_t bmr = FALSE) {
@@ -101,7 +102,7 @@ TEST_F(TcamSearches, TheLowestMatchingIndexWins) {
   entry(9, ACL, key_of(0x11), key_of(0xFF));
   EXPECT_EQ(search(key_of(0x11), ACL), 3u);
   EXPECT_EQ(search(key_of(0x12), ACL), 7u);
-  ASSERT_EQ(ctrl::delete_tcam_entry(n(), 7), ctrl::error::none);
+  ASSERT_EQ(tables().tcam().delete_entry(7), ctrl::error::none);
   EXPECT_EQ(search(key_of(0x12), ACL), std::nullopt);
   EXPECT_EQ(search(key_of(0x11), QOS), std::nullopt);
 }
@@ -135,8 +136,8 @@ TEST_F(TcamSearches, MultiSearchAnswersTheSecondProfileFirstAndSplitsTheFirstAdd
 TEST_F(TcamSearches, DirectSearchesTakeNoRangeHeader) {
   std::array<std::uint8_t, 20> li{};
   li[19] = 0x5A;
-  ASSERT_EQ(ctrl::configure_tcam_profile(n(), 9, 160), ctrl::error::none);
-  ASSERT_EQ(ctrl::write_tcam_entry(n(), {44, 9, li, li}), ctrl::error::none);
+  ASSERT_EQ(tables().tcam().configure_profile(9, 160), ctrl::error::none);
+  ASSERT_EQ(tables().tcam().write_entry({44, 9, li, li}), ctrl::error::none);
   h.on_thread([&](env_t env) {
     std::memcpy(dmem_at(env, REQ + 4), li.data(), li.size());
     npu_tcam_lookup_160b(env, 0, 9, REQ, RESP, sizeof(tcam_search160_request_st), TCAM_DIRECT_CMD_LOC, FALSE, 0);
@@ -160,7 +161,7 @@ class TcamRefusals : public TcamSearches, public testing::WithParamInterface<ref
 TEST_P(TcamRefusals, LeaveTheEntriesAsTheyWere) {
   entry(2, ACL, key_of(0x11), key_of(0xFF));
   const refusal& r = GetParam();
-  EXPECT_EQ(ctrl::write_tcam_entry(n(), {r.index, r.profile, key_of(r.value), key_of(r.mask)}), r.want);
+  EXPECT_EQ(tables().tcam().write_entry({r.index, r.profile, key_of(r.value), key_of(r.mask)}), r.want);
   EXPECT_EQ(search(key_of(0x11), ACL), 2u);
   EXPECT_EQ(search(key_of(0x01), ACL), std::nullopt);
 }
@@ -174,21 +175,21 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<refusal>& p) { return p.param.name; });
 
 TEST_F(TcamSearches, ProfilesAndEntriesOfAnotherWidthAreRefused) {
-  EXPECT_EQ(ctrl::configure_tcam_profile(n(), 7, 100), ctrl::error::bad_size);
+  EXPECT_EQ(tables().tcam().configure_profile(7, 100), ctrl::error::bad_size);
   const std::array<std::uint8_t, 3> short_bmr{};
-  EXPECT_EQ(ctrl::configure_tcam_profile(n(), 7, 80, short_bmr), ctrl::error::bad_size);
+  EXPECT_EQ(tables().tcam().configure_profile(7, 80, short_bmr), ctrl::error::bad_size);
   const std::array<std::uint8_t, 20> narrow{};
-  EXPECT_EQ(ctrl::write_tcam_entry(n(), {1, ACL, narrow, narrow}), ctrl::error::bad_size);
-  EXPECT_EQ(ctrl::delete_tcam_entry(n(), 1), ctrl::error::not_found);
+  EXPECT_EQ(tables().tcam().write_entry({1, ACL, narrow, narrow}), ctrl::error::bad_size);
+  EXPECT_EQ(tables().tcam().delete_entry(1), ctrl::error::not_found);
 }
 
 TEST_F(TcamSearches, ResultRecordsCarryTheCoherencyBitAndChangeThroughTheForwardState) {
   ctrl::protected_record first{};
   first[31] = 1;
-  ASSERT_EQ(ctrl::write_tcam_result(n(), TPD_IDX_COMMON_ACL_RESULT, 0x1235, first), ctrl::error::none);
+  ASSERT_EQ(tables().tcam().write_result(TPD_IDX_COMMON_ACL_RESULT, 0x1235, first), ctrl::error::none);
   ctrl::protected_record second{};
   second[31] = 2;
-  ASSERT_EQ(ctrl::write_tcam_result(n(), TPD_IDX_COMMON_ACL_RESULT, 0x1235, second), ctrl::error::none);
+  ASSERT_EQ(tables().tcam().write_result(TPD_IDX_COMMON_ACL_RESULT, 0x1235, second), ctrl::error::none);
   h.on_thread([&](env_t env) {
     tlu_read_32B_paging(env, 0x1235, TPD_IDX_COMMON_ACL_RESULT, RESP, RESP, TLU_CACHE_ALWAYS);
     EXPECT_EQ(*dmem_at(env, RESP), 0x80);
@@ -206,7 +207,7 @@ TEST(TcamDeathTest, ASearchOfAnotherWidthThanItsProfileStops) {
   EXPECT_DEATH(
       {
         testkit::npu_harness h;
-        ctrl::configure_tcam_profile(h.npu(), 5, 400);
+        h.tables().tcam().configure_profile(5, 400);
         h.on_thread([](env_t env) {
           itc_lookup_640b(env, RES_ITC_DIRECT, 5, REQ, RESP, sizeof(tcam_search640_request_st), 0, FALSE, 0);
         });

@@ -13,7 +13,7 @@ TEST(GlobalCounters, CountByNumberAndCallTheMonitorOnlyWhenItIsOn) {
     *ps_put_mod_global_uidb_reg(env) = global_config_bits::NP_MONITOR;
     lookup_request_ID_STATS_INC_GLB_CNT__DROP(env, 0x66);
   });
-  EXPECT_EQ(ctrl::read_global_counter(h.npu(), 0x66), 2u);
+  EXPECT_EQ(h.tables().stats().global(0x66), 2u);
   EXPECT_EQ(h.npu().monitor_calls(0x66), 1u);
 }
 
@@ -97,7 +97,7 @@ TEST(CounterHelpers, PhysicalAndTluFormsReachTheSameCounters) {
     w[2] = 40;
     stats_addinc_32_issue(env, compute_final_stats_address(env, 0x56), env_get_dmem_start(env) + CELL, CELL);
   });
-  EXPECT_EQ(ctrl::read_global_counter(h.npu(), 0x77), 2u);
+  EXPECT_EQ(h.tables().stats().global(0x77), 2u);
   EXPECT_EQ(entry(h, 0x55), (model::stats_entry{2, 300}));
   EXPECT_EQ(entry(h, 0x56), (model::stats_entry{1, 40}));
   h.on_thread([](env_t env) {

@@ -9,7 +9,7 @@
 namespace st {
 
 inline model::stats_entry entry(testkit::npu_harness& h, std::uint32_t index) {
-  return ctrl::read_stats_entry(h.npu(), index);
+  return h.tables().stats().entry(index);
 }
 
 }  // namespace st

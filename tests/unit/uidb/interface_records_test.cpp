@@ -80,8 +80,6 @@ ctrl::l3_interface full_l3() {
   ctrl::l3_interface c = line_card::routed(0x5001, true, false, true);
   c.vrf = 42;
   c.line_up = false;
-  c.ingress_stats = 0x800123;
-  c.egress_stats = 0x456;
   c.mtu = 9000;
   c.ingress = patterned<uidb_l3_ing_fields_st>(1);
   c.egress = patterned<uidb_l3_egr_fields_st>(2);
@@ -107,7 +105,7 @@ TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
   ing::global_int::set(want_ing, 0);
   ing::table_id::set(want_ing, 42);
   ing::uidb_ifhandle::set(want_ing, 0x5001);
-  ing::stats_p::set(want_ing, 0x800123);
+  ing::stats_p::set(want_ing, added.stats.ingress);
   const ing got_ing = read<ing>([&](env_t env) {
     lookup_request_ID_UIDB_L3_ING__COMM(env, idx);
     lookup_wait_ID_UIDB_L3_ING__COMM(env);
@@ -125,7 +123,7 @@ TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
   egr::ext_req::set(want_egr, 1);
   egr::fast_ext_req::set(want_egr, 1);
   egr::out_if::port_id::set(want_egr, PORT);
-  egr::stats_p::set(want_egr, 0x456);
+  egr::stats_p::set(want_egr, added.stats.egress);
   egr::vlan_tag1_en::set(want_egr, 1);
   egr::tag1::tpid::set(want_egr, 0x88a8);
   egr::tag1::tid::vlan::set(want_egr, 200);
@@ -221,8 +219,6 @@ TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
   c.if_handle = 0x6001;
   c.service = ctrl::l2_service::bridge;
   c.bd_id = 0x1234;
-  c.ingress_stats = 0x20;
-  c.egress_stats = 0x30;
   c.ingress = patterned<uidb_l2_ing_st>(11);
   c.egress = patterned<uidb_l2_egr_st>(12);
   c.ingress_ext = patterned<uidb_ext_l2_ing_st>(13);
@@ -237,7 +233,7 @@ TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
   ing::vpws::l2_uidb::set(want_ing, 1);
   ing::vpws::vpls::set(want_ing, 1);
   ing::vpls::bd_id::set(want_ing, 0x1234);
-  ing::stats_p::set(want_ing, 0x20);
+  ing::stats_p::set(want_ing, added.stats.ingress);
   const ing got_ing = read<ing>([&](env_t env) {
     lookup_request_ID_UIDB_L2_ING(env, idx);
     lookup_wait_ID_UIDB_L2_ING(env);
@@ -253,7 +249,7 @@ TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
   egr::line_status_up::set(want_egr, 1);
   egr::ext_req::set(want_egr, 1);
   egr::out_if::port_id::set(want_egr, PORT);
-  egr::stats_p::set(want_egr, 0x30);
+  egr::stats_p::set(want_egr, added.stats.egress);
   EXPECT_EQ(bytes_of(read<egr>([&](env_t env) {
               lookup_request_ID_UIDB_L2_EGR(env, idx);
               lookup_wait_ID_UIDB_L2_EGR(env);
