@@ -23,7 +23,7 @@ constexpr std::uint32_t LAG_HASHES = 1 << 12;  // the 12 bundle bits of a flow h
 // One NPU of one thread holding a bundle of MEMBERS members, all its own.
 model::chassis& bundle_chassis() {
   static std::unique_ptr<model::chassis> ch = [] {
-    auto c = std::make_unique<model::chassis>(std::vector<model::npu_config>{{1, 1}});
+    auto c = std::make_unique<model::chassis>(std::vector<model::npu_config>{{1, 1}}, power_fwcore_main);
     ctrl::install_page_descriptors(c->at(0));
     ctrl::bundle b;
     for (std::uint32_t i = 0; i < MEMBERS; ++i) {

@@ -107,7 +107,7 @@ void load(model::npu& n, const route_set& s, std::size_t count) {
 // One NPU with its tables loaded once for all the search benchmarks.
 model::chassis& loaded_chassis() {
   static std::unique_ptr<model::chassis> ch = [] {
-    auto c = std::make_unique<model::chassis>(std::vector<model::npu_config>{{1, 1}});
+    auto c = std::make_unique<model::chassis>(std::vector<model::npu_config>{{1, 1}}, power_fwcore_main);
     load(c->at(0), ipv4_set(), IPV4_ROUTES);
     load(c->at(0), ipv6_set(), IPV6_ROUTES);
     c->start();
@@ -119,7 +119,7 @@ model::chassis& loaded_chassis() {
 void BM_load_ipv4_routes(benchmark::State& state) {
   const route_set& s = ipv4_set();
   for (auto _ : state) {
-    model::chassis ch({{1, 1}});
+    model::chassis ch({{1, 1}}, power_fwcore_main);
     load(ch.at(0), s, IPV4_ROUTES);
     state.counters["routes"] = static_cast<double>(ch.at(0).plu().routes());
   }
@@ -129,7 +129,7 @@ BENCHMARK(BM_load_ipv4_routes)->Iterations(1)->Unit(benchmark::kMillisecond);
 void BM_load_ipv6_routes(benchmark::State& state) {
   const route_set& s = ipv6_set();
   for (auto _ : state) {
-    model::chassis ch({{1, 1}});
+    model::chassis ch({{1, 1}}, power_fwcore_main);
     load(ch.at(0), s, IPV6_ROUTES);
     state.counters["routes"] = static_cast<double>(ch.at(0).plu().routes());
   }

@@ -6,6 +6,7 @@
 
 #include "classify_requests.h"
 #include "dma_request.h"
+#include "flb_defs.h"
 #include "gpb_engine.h"
 #include "platform_ops.h"
 #include "plu_requests.h"
@@ -17,21 +18,28 @@ namespace model {
 
 namespace {
 
-paddr_t physical(std::uint32_t word0, std::uint32_t word1) {
-  return (paddr_t{word0 >> 24} << 32) | word1;
-}
+paddr_t physical(std::uint32_t word0, std::uint32_t word1) { return (paddr_t{word0 >> 24} << 32) | word1; }
 
 rmw_op alu_op(std::uint32_t opcode) {
   switch (opcode) {
-    case MEM_OP_SADD: return rmw_op::add;
-    case MEM_OP_NOR: return rmw_op::nor;
-    case MEM_OP_NOT: return rmw_op::bit_not;
-    case MEM_OP_XOR: return rmw_op::bit_xor;
-    case MEM_OP_NAND: return rmw_op::nand;
-    case MEM_OP_AND: return rmw_op::bit_and;
-    case MEM_OP_XNOR: return rmw_op::xnor;
-    case MEM_OP_OR: return rmw_op::bit_or;
-    default: return rmw_op::write;
+    case MEM_OP_SADD:
+      return rmw_op::add;
+    case MEM_OP_NOR:
+      return rmw_op::nor;
+    case MEM_OP_NOT:
+      return rmw_op::bit_not;
+    case MEM_OP_XOR:
+      return rmw_op::bit_xor;
+    case MEM_OP_NAND:
+      return rmw_op::nand;
+    case MEM_OP_AND:
+      return rmw_op::bit_and;
+    case MEM_OP_XNOR:
+      return rmw_op::xnor;
+    case MEM_OP_OR:
+      return rmw_op::bit_or;
+    default:
+      return rmw_op::write;
   }
 }
 
@@ -57,15 +65,23 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
     r.response();
   };
   switch (opcode) {
-    case MEM_OP_READ_4B: return read_into_response(4);
-    case MEM_OP_READ_8B: return read_into_response(8);
-    case MEM_OP_READ_16B: return read_into_response(16);
-    case MEM_OP_READ_32B: return read_into_response(32);
-    case MEM_OP_WRITE_4B: return write_from_request(4);
-    case MEM_OP_WRITE_8B: return write_from_request(8);
-    case MEM_OP_WRITE_16B: return write_from_request(16);
+    case MEM_OP_READ_4B:
+      return read_into_response(4);
+    case MEM_OP_READ_8B:
+      return read_into_response(8);
+    case MEM_OP_READ_16B:
+      return read_into_response(16);
+    case MEM_OP_READ_32B:
+      return read_into_response(32);
+    case MEM_OP_WRITE_4B:
+      return write_from_request(4);
+    case MEM_OP_WRITE_8B:
+      return write_from_request(8);
+    case MEM_OP_WRITE_16B:
+      return write_from_request(16);
     case MEM_OP_WRITE_32B:
-    case MEM_OP_DPE_WRITE_32B: return write_from_request(32);
+    case MEM_OP_DPE_WRITE_32B:
+      return write_from_request(32);
     case MEM_OP_EPE_READ_CLR_16B: {
       std::uint8_t* resp = r.response();
       std::uint8_t scratch[16];
@@ -85,7 +101,8 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
       }
       return respond_old_word(r, mem.rmw(addr, 4, rmw_op::add, 1), 4);
     }
-    case MEM_OP_INCR_8B: return respond_old_word(r, mem.rmw(addr, 8, rmw_op::add, 1), 8);
+    case MEM_OP_INCR_8B:
+      return respond_old_word(r, mem.rmw(addr, 8, rmw_op::add, 1), 8);
     case MEM_OP_CONDSUB_4B:
       return respond_old_word(r, mem.rmw(addr, 4, rmw_op::cond_sub, r.word(data_word)), 4);
     case MEM_OP_SADD:
@@ -95,8 +112,10 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
     case MEM_OP_NAND:
     case MEM_OP_AND:
     case MEM_OP_XNOR:
-    case MEM_OP_OR: return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(data_word)), 4);
-    default: break;
+    case MEM_OP_OR:
+      return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(data_word)), 4);
+    default:
+      break;
   }
   r.breach("memory request with opcode " + std::to_string(opcode) + ", which nothing serves");
 }
@@ -137,10 +156,9 @@ void flowlock_convert(dma_request& r) {
 void keep_send(dma_request& r) {
   npu_thread& t = r.thread();
   if (!t.holds_packet) return r.breach("keep send without a packet");
-  constexpr std::uint32_t KEEP_REQUEST_WITH_LOCK_BYTES = 24;
   r.owner().flow_order().wait_turn(t.index);
   transmit_gather(r);
-  if (r.cmd().req_bytes == KEEP_REQUEST_WITH_LOCK_BYTES) convert_to_lock_of_word1(r);
+  if (r.cmd().req_bytes == GATHER_KEEP_REQ_BYTES) convert_to_lock_of_word1(r);
 }
 
 // The FLB: packet end (free or send) and next packet, keep sends, flow-lock
@@ -152,17 +170,14 @@ void flb_request(dma_request& r) {
   const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && (c.resp_loc == 0 || is_gather_request(w0));
   if (!packet_end) {
     if (w0 == FLB_CMD_FLOWLOCK_CONVERT || w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) return flowlock_convert(r);
-    if (is_gather_request(w0) && (read_gather_request(r).handle_word & GATHER_KEEP_BIT)) return keep_send(r);
+    if (is_gather_request(w0) && (read_gather_request(r).handle_word & GATHER_KEEP)) return keep_send(r);
     r.breach("FLB request " + std::to_string(w0) + ", which nothing serves");
     return;
   }
-  constexpr std::uint32_t FIRST_REQUEST = 0x20;
-  constexpr std::uint32_t FREE_INGRESS = 0x00000C14;
-  constexpr std::uint32_t FREE_EGRESS = 0x00000C15;
   if (t.holds_packet) {
     // The end is the packet's last ordering point: what it sends leaves in its turn.
     r.owner().flow_order().wait_turn(t.index);
-    if (w0 == FREE_EGRESS || w0 == FREE_INGRESS) {
+    if (w0 == FLB_CMD_FREE_EGRESS || w0 == FLB_CMD_FREE_INGRESS) {
       t.current.end = packet_end::freed;
     } else if (is_gather_request(w0)) {
       transmit_gather(r);
@@ -171,7 +186,7 @@ void flb_request(dma_request& r) {
       r.breach("packet-ending request " + std::to_string(w0) + ", which nothing serves");
     }
     t.owner->finish_packet(t);
-  } else if (w0 != FIRST_REQUEST) {
+  } else if (w0 != FLB_CMD_FIRST_PACKET) {
     r.breach("packet-ending request without a packet");
   }
   t.owner->wait_for_packet(t);

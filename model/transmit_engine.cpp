@@ -19,7 +19,7 @@ bool has_loopback_shim(const std::vector<std::uint8_t>& frame) {
 }
 
 bool to_fabric(const gather_request& req, const std::vector<std::uint8_t>& frame) {
-  if ((req.command & GATHER_CMD_MASK) == GATHER_INGRESS) return (req.handle_word & GATHER_IGPB_LINE_BIT) == 0;
+  if ((req.command & GATHER_CMD_MASK) == GATHER_CMD_INGRESS) return (req.handle_word & GATHER_IGPB_LINE) == 0;
   return has_loopback_shim(frame);
 }
 
@@ -27,7 +27,7 @@ bool to_fabric(const gather_request& req, const std::vector<std::uint8_t>& frame
 
 bool is_gather_request(std::uint32_t word0) {
   const std::uint32_t cmd = word0 & GATHER_CMD_MASK;
-  return cmd == GATHER_INGRESS || cmd == GATHER_LOOPBACK;
+  return cmd == GATHER_CMD_INGRESS || cmd == GATHER_CMD_LOOPBACK;
 }
 
 gather_request read_gather_request(const dma_request& r) {
@@ -58,12 +58,12 @@ void transmit_gather(dma_request& r) {
   if (count == 0 || frame.bytes.empty()) return r.breach("gather request with no piece, or a piece beyond the buffer");
   if (to_fabric(req, frame.bytes)) {
     frame.to = frame_destination::fabric;
-    if ((req.command & GATHER_CMD_MASK) == GATHER_LOOPBACK) {
+    if ((req.command & GATHER_CMD_MASK) == GATHER_CMD_LOOPBACK) {
       frame.bytes.erase(frame.bytes.begin(), frame.bytes.begin() + SERVICE_LOOPBACK_SHIM_BYTES);
     }
     deliver_to_fabric(r.owner(), frame, t.current.note);
   } else {
-    const bool from_ingress_buffer = (req.handle_word & GATHER_IGPB_LINE_BIT) != 0;
+    const bool from_ingress_buffer = (req.handle_word & GATHER_IGPB_LINE) != 0;
     const line_delivery to_line = deliver_to_line(r.owner(), from_ingress_buffer, frame, t.current.note);
     if (to_line == line_delivery::short_frame) return r.breach("line frame shorter than the headers ahead of it");
     if (to_line == line_delivery::no_port) return;

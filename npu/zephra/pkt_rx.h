@@ -2,9 +2,9 @@
 // read in place; the accessors of the baf part read bytes 16..31.
 #pragma once
 
+#include "dist_hdr.h"
 #include "dplane/infra/env.h"
 #include "dplane/infra/ps.h"
-#include "platform/varn/dist_hdr.h"
 
 inline const dist_hdr_line_st& pkt_rx_line_hdr(env_t env) {
   return *reinterpret_cast<const dist_hdr_line_st*>(env->dist_hdr);
@@ -21,8 +21,6 @@ using dh = dist_hdr_line_st;
 using rx_baf = baf_hdr_ing_st;
 
 inline constexpr std::uint32_t RT_RESULT_L2_CONTROL = 12;
-inline constexpr std::uint32_t INJECT_QUEUE_FIRST = 80;
-inline constexpr std::uint32_t INJECT_QUEUE_LAST = 83;
 inline constexpr std::uint32_t MPLS_LABEL_BYTES = 4;
 // pkt_get_rx_frame_type gives the low two bits of frame_type.
 inline constexpr std::uint32_t RX_FRAME_TYPE_MASK = 0x3;
@@ -30,7 +28,9 @@ inline constexpr std::uint32_t RX_FRAME_TYPE_MASK = 0x3;
 // The line part.
 inline std::uint32_t pkt_rx_distr_type(env_t env) { return dh::dst_format::get(pkt_rx_line_hdr(env)); }
 inline std::uint32_t pkt_rx_rt_thread(env_t env) { return dh::rt_result::get(pkt_rx_line_hdr(env)); }
-inline void pkt_set_rx_rt_thread(env_t env, std::uint32_t result) { dh::rt_result::set(pkt_rx_line_hdr_mod(env), result); }
+inline void pkt_set_rx_rt_thread(env_t env, std::uint32_t result) {
+  dh::rt_result::set(pkt_rx_line_hdr_mod(env), result);
+}
 inline boolean_t pkt_rx_rt_thread_is_l2_control(env_t env) { return pkt_rx_rt_thread(env) == RT_RESULT_L2_CONTROL; }
 inline std::uint32_t get_orig_pkt_len(env_t env) { return dh::pktlen::get(pkt_rx_line_hdr(env)); }
 inline std::uint32_t pkt_get_rx_frame_type(env_t env) {
@@ -50,7 +50,9 @@ inline std::uint32_t pkt_rx_gpm_pkt_handle(env_t env) { return dh::gpm_pkt_handl
 
 // The base view of the baf part.
 inline boolean_t pkt_rx_rt_thread_valid(env_t env) { return rx_baf::rt_result_valid::get(pkt_rx_baf(env)); }
-inline void pkt_set_rt_thread_valid(env_t env, boolean_t valid) { rx_baf::rt_result_valid::set(pkt_rx_baf_mod(env), valid); }
+inline void pkt_set_rt_thread_valid(env_t env, boolean_t valid) {
+  rx_baf::rt_result_valid::set(pkt_rx_baf_mod(env), valid);
+}
 inline std::uint32_t pkt_get_rx_physical_port(env_t env) { return rx_baf::logical_port::get(pkt_rx_baf(env)); }
 inline void pkt_set_rx_physical_port(env_t env, std::uint32_t port_id) {
   rx_baf::logical_port::set(pkt_rx_baf_mod(env), port_id);
@@ -60,7 +62,9 @@ inline void pkt_set_rx_uidb_index(env_t env, std::uint32_t uidb_index) {
   rx_baf::uidb_index::set(pkt_rx_baf_mod(env), uidb_index);
 }
 inline std::uint32_t pkt_get_rx_l3_offset(env_t env) { return rx_baf::l3_offset::get(pkt_rx_baf(env)); }
-inline void pkt_set_rx_l3_offset(env_t env, std::uint32_t offset) { rx_baf::l3_offset::set(pkt_rx_baf_mod(env), offset); }
+inline void pkt_set_rx_l3_offset(env_t env, std::uint32_t offset) {
+  rx_baf::l3_offset::set(pkt_rx_baf_mod(env), offset);
+}
 inline std::uint32_t pkt_get_rx_l2_offset(env_t) { return 0; }
 inline std::uint32_t pkt_get_rx_l3_type(env_t env) { return rx_baf::l3_type::get(pkt_rx_baf(env)); }
 inline std::uint32_t pkt_rx_vlan_pbits(env_t env) { return rx_baf::vlan_pbits::get(pkt_rx_baf(env)); }
@@ -79,7 +83,9 @@ inline void pkt_rx_set_l3_uidb_ext_needed(env_t env, boolean_t needed) {
   rx_baf::mark_l3::ext_req::set(pkt_rx_baf_mod(env), needed);
 }
 inline boolean_t pkt_rx_l2_uidb_ext_req(env_t env) { return rx_baf::mark_l2::ext_req::get(pkt_rx_baf(env)); }
-inline boolean_t pkt_rx_l3_fast_uidb_ext_needed(env_t env) { return rx_baf::mark_l3::fast_ext_req::get(pkt_rx_baf(env)); }
+inline boolean_t pkt_rx_l3_fast_uidb_ext_needed(env_t env) {
+  return rx_baf::mark_l3::fast_ext_req::get(pkt_rx_baf(env));
+}
 inline void pkt_rx_set_l3_fast_uidb_ext_needed(env_t env, boolean_t needed) {
   rx_baf::mark_l3::fast_ext_req::set(pkt_rx_baf_mod(env), needed);
 }
@@ -106,9 +112,13 @@ inline boolean_t pkt_rx_is_v4_mcast(env_t env) { return rx_baf::v4::is_mcast::ge
 inline boolean_t pkt_rx_is_v6_mcast(env_t env) { return rx_baf::v6::dip_is_multicast::get(pkt_rx_baf(env)); }
 inline boolean_t pkt_rx_dip_is_link_local(env_t env) { return rx_baf::v6::dip_is_link_local::get(pkt_rx_baf(env)); }
 inline boolean_t pkt_rx_ipv6_ll_dip(env_t env) { return pkt_rx_dip_is_link_local(env); }
-inline void pkt_set_rx_ipv6_ll_dip(env_t env, boolean_t ll) { rx_baf::v6::dip_is_link_local::set(pkt_rx_baf_mod(env), ll); }
+inline void pkt_set_rx_ipv6_ll_dip(env_t env, boolean_t ll) {
+  rx_baf::v6::dip_is_link_local::set(pkt_rx_baf_mod(env), ll);
+}
 inline boolean_t pkt_rx_ipv6_ll_sip(env_t env) { return rx_baf::v6::sip_is_link_local::get(pkt_rx_baf(env)); }
-inline std::uint32_t pkt_get_rx_mpls_num_labels(env_t env) { return rx_baf::mpls::mpls_num_labels::get(pkt_rx_baf(env)); }
+inline std::uint32_t pkt_get_rx_mpls_num_labels(env_t env) {
+  return rx_baf::mpls::mpls_num_labels::get(pkt_rx_baf(env));
+}
 inline boolean_t pkt_rx_mpls_lt_5_labels(env_t env) { return rx_baf::mpls::mpls_lt_5_labels::get(pkt_rx_baf(env)); }
 inline boolean_t pkt_get_rx_entropy_label(env_t env, std::uint32_t* label_offset) {
   *label_offset = rx_baf::mpls::entropy_label_offset::get(pkt_rx_baf(env));

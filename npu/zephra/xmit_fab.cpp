@@ -8,10 +8,10 @@
 #include "dplane/infra/lookup.h"
 #include "dplane/infra/ps.h"
 #include "dplane/infra/util.h"
+#include "fab_hdr.h"
 #include "pkt_buf.h"
 #include "pkt_rx.h"
 #include "platform/varn/fab_hdr_access.h"
-#include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
 
 namespace {
@@ -143,9 +143,9 @@ void npu_xmit_pkt_fab_prep(env_t env, std::uint8_t* encap_addr, std::uint32_t en
            mcast);
 }
 
-void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1,
-                              std::uint8_t* encap_addr2, std::uint32_t encap_len2, std::uint8_t* payload_addr,
-                              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast) {
+void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1, std::uint8_t* encap_addr2,
+                              std::uint32_t encap_len2, std::uint8_t* payload_addr, std::uint32_t payload_len,
+                              std::uint32_t gather_req_loc, boolean_t mcast) {
   fab_prep(env, FORM_V2, {encap_addr1, encap_len1}, {encap_addr2, encap_len2}, payload_addr, payload_len,
            gather_req_loc, mcast);
 }

@@ -13,6 +13,10 @@ namespace {
 
 constexpr model::mac_address ROUTER_MAC = {0x02, 0, 0, 0, 0, 0x01};
 
+std::uint32_t marks_of(std::uint16_t index) {
+  return TABLE_BASE_UIDB_MARK_BITS_ING + index * TABLE_STRIDE_UIDB_MARK_BITS_ING;
+}
+
 void write_marks(model::table_memory& mem, std::uint16_t index, bool l2) {
   mark_bits_st marks{};
   if (l2) {
@@ -26,8 +30,7 @@ void write_marks(model::table_memory& mem, std::uint16_t index, bool l2) {
       set(marks, 1);
     }
   }
-  mem.write(mem.translate(TABLE_BASE_UIDB_MARK_BITS_ING + index * TABLE_STRIDE_UIDB_MARK_BITS_ING),
-            {marks.bytes, sizeof marks.bytes});
+  mem.write(mem.translate(marks_of(index)), {marks.bytes, sizeof marks.bytes});
 }
 
 // A clean vector carries a frame whose Ethernet and L3 headers lie in it.
@@ -39,11 +42,14 @@ bool clean(std::uint32_t vector) {
 }  // namespace
 
 parser_fixture::parser_fixture() {
-  for (std::uint32_t port = 0; port < PORTS; ++port) parser_.set_port(port, {ROUTER_MAC, port == 3 ? 80u : 0u});
-  parser_.set_interface({0, 0, {}}, {1, false});
-  parser_.set_interface({1, 1, {100, 0}}, {2, false});
-  parser_.set_interface({1, 2, {200, 300}}, {3, false});
-  parser_.set_interface({2, 0, {}}, {4, true});
+  for (std::uint32_t port = 0; port < PORTS; ++port) {
+    parser_.set_port(
+        port, {ROUTER_MAC, port == 3 ? 80u : 0u, TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING});
+  }
+  parser_.set_interface({0, 0, {}}, {1, false, marks_of(1)});
+  parser_.set_interface({1, 1, {100, 0}}, {2, false, marks_of(2)});
+  parser_.set_interface({1, 2, {200, 300}}, {3, false, marks_of(3)});
+  parser_.set_interface({2, 0, {}}, {4, true, marks_of(4)});
   for (std::uint16_t index = 1; index <= 4; ++index) write_marks(mem_, index, index == 4);
 }
 

@@ -14,18 +14,18 @@
 #include "ctrl/fabric.h"
 #include "ctrl/line_queues.h"
 #include "dma_common.h"
+#include "fab_hdr.h"
+#include "line_hdr.h"
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/pkt_rx.h"
 #include "npu/zephra/xmit_fab.h"
 #include "pktlib/pcap_file.h"
 #include "platform/shared/unbuilt_handlers.h"
-#include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
-#include "platform/varn/line_hdr.h"
 #include "testkit/fabric_path.h"
 #include "testkit/line_card.h"
-#include "testkit/tshark.h"
 #include "testkit/test_handler.h"
+#include "testkit/tshark.h"
 #include "unit/pktlib/scratch_dir.h"
 
 namespace {
@@ -50,8 +50,8 @@ const std::vector<std::uint32_t> FGID_NPUS = {1, 3};
 const std::vector<std::uint32_t> FGID_LOW_NPUS = {2};
 constexpr std::uint32_t MGID = 0x5A5A5;
 constexpr std::uint32_t OUT_QUEUE = 0x1234;
-constexpr std::uint32_t OUT_PORT = 9;       // where OUT_QUEUE leads
-constexpr std::uint32_t QSM_NP_PORT = 17;   // the NPU port of a send from the ingress buffer
+constexpr std::uint32_t OUT_PORT = 9;      // where OUT_QUEUE leads
+constexpr std::uint32_t QSM_NP_PORT = 17;  // the NPU port of a send from the ingress buffer
 constexpr std::uint32_t FAB_HDR_BYTES_MC = nph_length_bytes(NPH_LENGTH_44);
 constexpr std::uint32_t IF_HANDLE = 0x101;
 constexpr std::uint32_t LINE_GATHER_REQ_LOC = 0x40;
@@ -205,8 +205,8 @@ void expect_ethernet_frame_to_next_hop(const model::sent_frame& f, std::uint32_t
   pkt::scratch_dir dir;
   const std::vector<pkt::pcap_record> records = {{std::chrono::seconds(1), f.bytes}};
   pkt::write_pcap(dir.file("line.pcap"), records);
-  const std::vector<std::string> fields = {"eth.dst", "eth.src", "ip.dst", "udp.dstport", "ip.checksum.status",
-                                           "udp.checksum.status"};
+  const std::vector<std::string> fields = {
+      "eth.dst", "eth.src", "ip.dst", "udp.dstport", "ip.checksum.status", "udp.checksum.status"};
   const auto frames = testkit::dissect(dir.file("line.pcap"), fields, dir.file("stderr"));
   ASSERT_EQ(frames.size(), 1u) << testkit::read_file(dir.file("stderr"));
   EXPECT_EQ(frames[0].at("eth.dst"), "02:00:00:00:00:42");
@@ -241,8 +241,7 @@ TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
   const std::vector<model::packet_outcome> egress = lc.harness().run(VQI_NPU);
   ASSERT_EQ(egress.size(), 2u);
   EXPECT_TRUE(egress[0].sent.empty());
-  EXPECT_NE(egress[0].note.find("queue " + std::to_string(OUT_QUEUE + 1) + " maps to no line port"),
-            std::string::npos)
+  EXPECT_NE(egress[0].note.find("queue " + std::to_string(OUT_QUEUE + 1) + " maps to no line port"), std::string::npos)
       << egress[0].note;
   ASSERT_EQ(egress[1].sent.size(), 1u);
   expect_ethernet_frame_to_next_hop(egress[1].sent[0], OUT_PORT);

@@ -8,7 +8,8 @@
 namespace testkit {
 
 npu_harness::npu_harness(std::uint32_t npus, std::uint32_t threads_per_npu)
-    : chassis_(std::make_unique<model::chassis>(std::vector<model::npu_config>(npus, {threads_per_npu, 1}))) {
+    : chassis_(std::make_unique<model::chassis>(std::vector<model::npu_config>(npus, {threads_per_npu, 1}),
+                                                power_fwcore_main)) {
   for (std::uint32_t i = 0; i < npus; ++i) ctrl::install_page_descriptors(chassis_->at(i));
   chassis_->start();
 }

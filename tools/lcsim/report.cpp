@@ -5,12 +5,12 @@
 #include <string>
 
 #include "ctrl/counters.h"
+#include "dist_hdr.h"
+#include "fab_hdr.h"
+#include "fab_hdr_report.h"
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
 #include "platform/shared/unbuilt_handlers.h"
-#include "fab_hdr_report.h"
-#include "platform/varn/dist_hdr.h"
-#include "platform/varn/fab_hdr.h"
 
 namespace lcsim {
 
@@ -75,9 +75,8 @@ void print_frames(std::FILE* out, const packet_result& r) {
 void print_report(std::FILE* out, model::chassis& chassis, const std::vector<packet_result>& results) {
   std::fprintf(out, "Packets\n");
   for (const packet_result& r : results) {
-    std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq),
-                 r.outcome.npu, r.input ? r.input->description.c_str() : "from the fabric",
-                 ending(r.outcome).c_str());
+    std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq), r.outcome.npu,
+                 r.input ? r.input->description.c_str() : "from the fabric", ending(r.outcome).c_str());
     print_frames(out, r);
   }
   std::fprintf(out, "Counters\n");

@@ -5,21 +5,21 @@
 
 // Resources, the target blocks of a DMA command.
 enum dma_resource_e : std::uint32_t {
-  RES_FLB = 44,               // packet send, free and next packet; flow locks
-  RES_ITC_ACL_QOS = 59,       // ACL and QoS key searches
-  RES_ITC_DIRECT = 63,        // direct TCAM searches
-  RES_IGPU = 80,              // classification
-  RES_TLU_LONG = 120,         // long commands: translation, policers, chain reads
-  RES_PLU = 200,              // prefix-unit commands
-  RES_WRR = 208,              // WRED queue table
-  RES_TLU_COUNTERS = 248,     // increments, conditional subtracts, learn counters
-  RES_TLU_DIV = 255,          // division and modulus, translation
-  RES_TLU_INVALIDATE = 336,   // cache invalidate
-  RES_TLU_READ_4B = 376,      // cached reads of 4, 8, 16, 32 bytes: 376..379
-  RES_TLU_READ_NC_4B = 380,   // the same without cache allocation: 380..383
+  RES_FLB = 44,              // packet send, free and next packet; flow locks
+  RES_ITC_ACL_QOS = 59,      // ACL and QoS key searches
+  RES_ITC_DIRECT = 63,       // direct TCAM searches
+  RES_IGPU = 80,             // classification
+  RES_TLU_LONG = 120,        // long commands: translation, policers, chain reads
+  RES_PLU = 200,             // prefix-unit commands
+  RES_WRR = 208,             // WRED queue table
+  RES_TLU_COUNTERS = 248,    // increments, conditional subtracts, learn counters
+  RES_TLU_DIV = 255,         // division and modulus, translation
+  RES_TLU_INVALIDATE = 336,  // cache invalidate
+  RES_TLU_READ_4B = 376,     // cached reads of 4, 8, 16, 32 bytes: 376..379
+  RES_TLU_READ_NC_4B = 380,  // the same without cache allocation: 380..383
   RES_TLU_READ_NC_32B = 383,
-  RES_TLU_LONG_WRITE = 504,   // long commands ahead of writes and ALU operations
-  RES_MEMORY = 511,           // physical memory requests
+  RES_TLU_LONG_WRITE = 504,  // long commands ahead of writes and ALU operations
+  RES_MEMORY = 511,          // physical memory requests
   // Not a block of the NPU: the software platform's counter of packets that
   // reached a handler which is not built yet (one word: the handler's number).
   RES_UNBUILT_HANDLER = 500,
@@ -96,9 +96,3 @@ inline constexpr std::uint32_t TLU_CMD_TMU_LPA = 0x00000A00;
 inline constexpr std::uint32_t TLU_CMD_ERC2 = 0x00000C00;
 inline constexpr std::uint32_t TLU_CMD_ERC3 = 0x00000D00;
 inline constexpr std::uint32_t TLU_CMD_ERC4 = 0x00000E00;
-// Flow-lock conversion requests to the FLB.
-inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT = 0x00000810;
-inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT_READ16 = 0x00000916;
-inline constexpr std::uint32_t FLB_CONVERT_READ16_WORD2 = 0x3AA;
-// Size of a packet-ending response: the next packet's 128-byte header area.
-inline constexpr std::uint32_t PKT_END_RESPONSE_BYTES = 128;

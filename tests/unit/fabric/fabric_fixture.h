@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "ctrl/fabric.h"
+#include "fab_hdr.h"
 #include "npu/zephra/pkt_buf.h"
-#include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "testkit/test_handler.h"

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "be_types.h"
+#include "dist_hdr.h"
 #include "dplane/infra/ps_records.h"
+#include "fab_hdr.h"
 #include "fwc_port.h"
-#include "platform/varn/dist_hdr.h"
-#include "platform/varn/fab_hdr.h"
-#include "platform/varn/pdma_hdr.h"
+#include "pdma_hdr.h"
 
 namespace {
 
@@ -127,7 +127,8 @@ TEST(RecordLayout, SharedFieldsStandWhereThePlatformPutsThem) {
       {"issu_vbit", ones<fhpdma_bufhdr_type::issu_vbit, fhpdma_bufhdr_type>(), {{0, 0x80}}},
       {"pdma pkt_type", ones<fhpdma_bufhdr_type::pkt_type, fhpdma_bufhdr_type>(), {{0, 0x03}}},
       {"sat_port_unicast_state",
-       ones<ingress_port_fields_part1_st::sat_port_unicast_state, ingress_port_fields_part1_st>(), {{6, 0x10}}},
+       ones<ingress_port_fields_part1_st::sat_port_unicast_state, ingress_port_fields_part1_st>(),
+       {{6, 0x10}}},
   };
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);

@@ -2,8 +2,8 @@
 // field tables, in the line, baf, fabric and common forms.
 #include <gtest/gtest.h>
 
+#include "dist_hdr.h"
 #include "header_bytes.h"
-#include "platform/varn/dist_hdr.h"
 
 namespace {
 
@@ -119,7 +119,9 @@ TEST(DistHdrLayout, FabricAndCommonForms) {
       {"common rsvd0 0.3/18", ones<common::rsvd0, dist_hdr_common_st>(), {{0, 0x1F}, {1, 0xFF}, {2, 0xF8}}},
       {"common ifl32 2.6/10", ones<common::ifl32, dist_hdr_common_st>(), {{2, 0x03}, {3, 0xFF}}},
       {"common rsvd2 8.4/12", ones<common::rsvd2, dist_hdr_common_st>(), {{8, 0x0F}, {9, 0xFF}}},
-      {"common rsvd4 12-15", ones<common::rsvd4, dist_hdr_common_st>(), {{12, 0xFF}, {13, 0xFF}, {14, 0xFF}, {15, 0xFF}}},
+      {"common rsvd4 12-15",
+       ones<common::rsvd4, dist_hdr_common_st>(),
+       {{12, 0xFF}, {13, 0xFF}, {14, 0xFF}, {15, 0xFF}}},
       {"zp ingress 0.0", ones<zp::ingress, dist_hdr_common_st>(), {{0, 0x80}}},
       {"zp dst_format 0.1/2", ones<zp::dst_format, dist_hdr_common_st>(), {{0, 0x60}}},
       {"zp gpb_pkt_handle 6.0/13", ones<zp::gpb_pkt_handle, dist_hdr_common_st>(), {{6, 0xFF}, {7, 0xF8}}},

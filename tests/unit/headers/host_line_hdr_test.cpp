@@ -5,11 +5,11 @@
 #include <array>
 
 #include "header_bytes.h"
+#include "line_hdr.h"
+#include "pdma_hdr.h"
 #include "platform/varn/fab_hdr_convert.h"
-#include "platform/varn/line_hdr.h"
 #include "platform/varn/line_hdr_access.h"
-#include "platform/varn/pdma_hdr.h"
-#include "platform/varn/punt_inject_hdr.h"
+#include "punt_inject_hdr.h"
 
 namespace {
 
@@ -37,10 +37,10 @@ TEST(CompressedHdrLayout, BufferHeaderAndCommonBytes) {
       {"rbh 5", ones<cmp::rbh, cmp>(), {{5, 0xFF}}},
       {"nph_type 6.2/6", ones<cmp::nph_type, cmp>(), {{6, 0x3F}}},
       {"nph_length 7.3/5", ones<cmp::nph_length, cmp>(), {{7, 0x1F}}},
-      {"compressed vrf 10-11",
-       ones<varn_fab_nph_ip_uni_st::vrf, varn_fab_nph_ip_uni_st>(), {{10, 0xFF}, {11, 0xFF}}},
+      {"compressed vrf 10-11", ones<varn_fab_nph_ip_uni_st::vrf, varn_fab_nph_ip_uni_st>(), {{10, 0xFF}, {11, 0xFF}}},
       {"compressed rldim 23.2/6",
-       ones<varn_fab_nph_ip_uni_st::rldim::member_id, varn_fab_nph_ip_uni_st>(), {{23, 0x3F}}},
+       ones<varn_fab_nph_ip_uni_st::rldim::member_id, varn_fab_nph_ip_uni_st>(),
+       {{23, 0x3F}}},
   });
 }
 
@@ -57,16 +57,22 @@ TEST(PuntInjectHdrLayout, ExtensionAndBufferHeader) {
       {"ext nhid 10-12", ones<ext::nhid_data::nhid, ext>(), {{10, 0xFF}, {11, 0xFF}, {12, 0xFF}}},
       {"ext out_label_msb 13-14", ones<ext::nhid_data::out_label_msb, ext>(), {{13, 0xFF}, {14, 0xFF}}},
       {"ext rldim 15", ones<ext::hash_data::rldim, ext>(), {{15, 0xFF}}},
-      {"ext input_if_handle 16-19", ones<ext::input_if_handle, ext>(), {{16, 0xFF}, {17, 0xFF}, {18, 0xFF}, {19, 0xFF}}},
+      {"ext input_if_handle 16-19",
+       ones<ext::input_if_handle, ext>(),
+       {{16, 0xFF}, {17, 0xFF}, {18, 0xFF}, {19, 0xFF}}},
       {"buf act_rp_punt 2.1", ones<buf::act_rp_punt, buf>(), {{2, 0x40}}},
       {"buf punt_reason 3", ones<buf::punt_reason, buf>(), {{3, 0xFF}}},
       {"buf feature_hdr_len 8", ones<buf::feature_hdr_len, buf>(), {{8, 0xFF}}},
       {"buf ts 10.4", ones<buf::ts, buf>(), {{10, 0x08}}},
       {"buf already_forwarded 10.7", ones<buf::already_forwarded, buf>(), {{10, 0x01}}},
       {"buf pkt_len 11-12", ones<buf::pkt_len, buf>(), {{11, 0xFF}, {12, 0xFF}}},
-      {"buf table_id 13-16", ones<buf::table_id_or_xconnect_id, buf>(), {{13, 0xFF}, {14, 0xFF}, {15, 0xFF}, {16, 0xFF}}},
+      {"buf table_id 13-16",
+       ones<buf::table_id_or_xconnect_id, buf>(),
+       {{13, 0xFF}, {14, 0xFF}, {15, 0xFF}, {16, 0xFF}}},
       {"buf src_vqi 17-18", ones<buf::src_vqi, buf>(), {{17, 0xFF}, {18, 0xFF}}},
-      {"buf output_if_handle 21-24", ones<buf::output_if_handle, buf>(), {{21, 0xFF}, {22, 0xFF}, {23, 0xFF}, {24, 0xFF}}},
+      {"buf output_if_handle 21-24",
+       ones<buf::output_if_handle, buf>(),
+       {{21, 0xFF}, {22, 0xFF}, {23, 0xFF}, {24, 0xFF}}},
       {"buf np_port 25-26", ones<buf::np_port, buf>(), {{25, 0xFF}, {26, 0xFF}}},
       {"buf trace_pkt 27.1", ones<buf::trace_pkt, buf>(), {{27, 0x40}}},
       {"buf card_type 27.4/4", ones<buf::card_type, buf>(), {{27, 0x0F}}},
@@ -77,8 +83,8 @@ TEST(PuntInjectHdrLayout, FpgaEncapsulation) {
   varn_punt_inject_fpga_encap_st e;
   e.bytes[0] = 0xAA;  // everything is written
   plat_build_punt_inject_fpga_encap(&e, 84, 3, 0xF064);
-  EXPECT_EQ(bytes_of(e), (bytes{0x01, 0x56, 0x47, 0x50, 0x00, 84, 0x00, 0x4E, 0x65, 0x7A, 0x00, 3, 0x81, 0x00,
-                                0x00, 0x64}));
+  EXPECT_EQ(bytes_of(e),
+            (bytes{0x01, 0x56, 0x47, 0x50, 0x00, 84, 0x00, 0x4E, 0x65, 0x7A, 0x00, 3, 0x81, 0x00, 0x00, 0x64}));
 }
 
 TEST(LineHdrLayout, TrafficManagerAndEgressParts) {
@@ -94,8 +100,7 @@ TEST(LineHdrLayout, TrafficManagerAndEgressParts) {
   line_hdr_st::ts_index::set(h, 0x7FF);
   line_hdr_st::timestamp::set(h, 0xCAFEF00D);
   // 1528 = 0x5F8, 1518 = 0x5EE, each 14 bits below 2 reserved bits.
-  EXPECT_EQ(bytes_of(h), (bytes{0x12, 0x34, 0x05, 0xF8, 0x05, 0xEE, 0x85, 0x2A, 0x8F, 0xFF, 0xCA, 0xFE, 0xF0,
-                                0x0D}));
+  EXPECT_EQ(bytes_of(h), (bytes{0x12, 0x34, 0x05, 0xF8, 0x05, 0xEE, 0x85, 0x2A, 0x8F, 0xFF, 0xCA, 0xFE, 0xF0, 0x0D}));
   EXPECT_EQ(plat_get_line_tx_encap_len(14), 28u);
 }
 
