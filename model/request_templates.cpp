@@ -1,18 +1,5 @@
-// The request templates behind power_qrsc. The command word is word 0 of the
-// request; the rest of the request stands in the request cell behind it.
-//
-//   table 0 entry 0       hash bucket: 16 bytes at cmd + (num mod denom) * 16
-//   table 0 entries 1-4   TLU read of 8, 16, 32, 4 bytes with cache allocation;
-//                         entries 6, 7: 16, 32 bytes without. The command is
-//                         an address, or with bit 1 set a paged record
-//   table 0 entry 8       statistics pair: one packet, the count at byte 8
-//   table 0 entry 9       4-byte increment of the counter at physical cmd
-//   table 0 entry 10      global counter
-//   table 1 entries 8, 9  paged read of the record num mod denom after
-//                         record_index: remainder block, then 16 or 32 bytes
-//   table 1 entries 11,12 PLU search of an IPv4 or IPv6 route: the command is
-//                         the key's first word (code, VRF, first address
-//                         byte), the rest of the address follows in the cell
+// The NPU's side of the request templates (request_templates.def): what each
+// one does with the command word and the request cell.
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -20,10 +7,10 @@
 #include <span>
 #include <string>
 
-#include "dma_defs.h"
 #include "platform_ops.h"
 #include "plu_defs.h"
 #include "plu_requests.h"
+#include "request_templates.h"
 #include "stats_engine.h"
 #include "tlu_engine.h"
 
@@ -165,21 +152,36 @@ void execute_template(npu_thread& t, std::uint32_t table, std::uint32_t entry, s
                       std::uint32_t req_cell, std::uint32_t res_cell) {
   template_request r(t, table, entry, cmd, req_cell, res_cell);
   switch (rtt_index(table, entry)) {
-    case rtt_index(0, 0): return bucket_read(r);
-    case rtt_index(0, 1): return tlu_read(r, 8, allocation::cached);
-    case rtt_index(0, 2): return tlu_read(r, 16, allocation::cached);
-    case rtt_index(0, 3): return tlu_read(r, 32, allocation::cached);
-    case rtt_index(0, 4): return tlu_read(r, 4, allocation::cached);
-    case rtt_index(0, 6): return tlu_read(r, 16, allocation::uncached);
-    case rtt_index(0, 7): return tlu_read(r, 32, allocation::uncached);
-    case rtt_index(0, 8): return stats_add(t, cmd, r.word(2));
-    case rtt_index(0, 9): return counter_increment(r);
-    case rtt_index(0, 10): return stats_count_global(t, cmd);
-    case rtt_index(1, 8): return mod_read(r, 16);
-    case rtt_index(1, 9): return mod_read(r, 32);
-    case rtt_index(1, 11): return plu_search(r, PLU_IPV4_UNICAST, sizeof(plu_ipv4_unicast_key_st));
-    case rtt_index(1, 12): return plu_search(r, PLU_IPV6_UNICAST, sizeof(plu_ipv6_unicast_key_st));
-    default: break;
+    case RTT_HASH_BUCKET:
+      return bucket_read(r);
+    case RTT_TLU_READ_8B:
+      return tlu_read(r, 8, allocation::cached);
+    case RTT_TLU_READ_16B:
+      return tlu_read(r, 16, allocation::cached);
+    case RTT_TLU_READ_32B:
+      return tlu_read(r, 32, allocation::cached);
+    case RTT_TLU_READ_4B:
+      return tlu_read(r, 4, allocation::cached);
+    case RTT_TLU_READ_16B_NO_ALLOC:
+      return tlu_read(r, 16, allocation::uncached);
+    case RTT_TLU_READ_32B_NO_ALLOC:
+      return tlu_read(r, 32, allocation::uncached);
+    case RTT_STATS_PAIR:
+      return stats_add(t, cmd, r.word(2));
+    case RTT_COUNTER_INCREMENT:
+      return counter_increment(r);
+    case RTT_GLOBAL_COUNTER:
+      return stats_count_global(t, cmd);
+    case RTT_MOD_READ_16B:
+      return mod_read(r, 16);
+    case RTT_MOD_READ_32B:
+      return mod_read(r, 32);
+    case RTT_PLU_IPV4_SEARCH:
+      return plu_search(r, PLU_IPV4_UNICAST, sizeof(plu_ipv4_unicast_key_st));
+    case RTT_PLU_IPV6_SEARCH:
+      return plu_search(r, PLU_IPV6_UNICAST, sizeof(plu_ipv6_unicast_key_st));
+    default:
+      break;
   }
   r.breach("nothing serves it");
 }

@@ -92,7 +92,7 @@ void stats_read_clear64(env_t env, std::uint32_t stats_index, std::uint32_t req_
 // ---- the requests behind the generated counter lookups; `cell` is the tag's cell ----
 
 inline void stats_glb_cnt_request(env_t env, std::uint32_t cell, std::uint32_t stat_index) {
-  qrsc(rtt_index(0, 10), STATS_GLB_CNT_BASE + stat_index * STATS_ENTRY_BYTES, cell, cell);
+  qrsc(RTT_GLOBAL_COUNTER, STATS_GLB_CNT_BASE + stat_index * STATS_ENTRY_BYTES, cell, cell);
   if (global_config_is_np_monitor_enabled(env)) np_counter_monitor_check(stat_index);
 }
 
@@ -104,7 +104,7 @@ inline void stats_put_count(env_t env, std::uint32_t cell, std::uint32_t count) 
 }
 // One packet and the cell's byte count to the entry at stats_address.
 inline void stats_add_request(std::uint32_t cell, std::uint32_t stats_address) {
-  qrsc(rtt_index(0, 8), stats_address, cell, cell);
+  qrsc(RTT_STATS_PAIR, stats_address, cell, cell);
 }
 
 inline void stats_add_inc_request(env_t env, std::uint32_t cell, std::uint32_t stat_index, std::uint32_t count) {
@@ -115,8 +115,8 @@ inline void stats_add_inc_split_request(env_t env, std::uint32_t cell, std::uint
   stats_add_request(cell, compute_stats_address(env, stat_index));
 }
 // The relative test applies to the sum, so base and index share the 14-bit field.
-inline void stats_uidb_add_inc_request(env_t env, std::uint32_t cell, std::uint32_t stat_base,
-                                       std::uint32_t stat_index, std::uint32_t count) {
+inline void stats_uidb_add_inc_request(env_t env, std::uint32_t cell, std::uint32_t stat_base, std::uint32_t stat_index,
+                                       std::uint32_t count) {
   stats_put_count(env, cell, count);
   stats_add_request(cell, compute_stats_address(env, stat_base + stat_index));
 }
@@ -127,8 +127,8 @@ inline void stats_uidb_add_inc_split_request(env_t env, std::uint32_t cell, std:
 // Two entries of one block: the base is resolved once. The cell serves both
 // requests in turn, as each is taken up when it is issued.
 inline void stats_uidb_add_inc_twin_request(env_t env, std::uint32_t cell, std::uint32_t stat_base,
-                                            std::uint32_t stat_index1, std::uint32_t count1,
-                                            std::uint32_t stat_index2, std::uint32_t count2) {
+                                            std::uint32_t stat_index1, std::uint32_t count1, std::uint32_t stat_index2,
+                                            std::uint32_t count2) {
   const std::uint32_t base = compute_replicated_stats_index(env, stat_base);
   stats_put_count(env, cell, count1);
   stats_add_request(cell, compute_final_stats_address(env, base + stat_index1));

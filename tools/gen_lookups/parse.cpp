@@ -67,7 +67,9 @@ bool split_attr(const std::string& word, std::string& key, std::string& value) {
 class reporter {
  public:
   reporter(const std::string& file, errors& errs) : file_(file), errs_(errs) {}
-  void operator()(int line, const std::string& what) { errs_.push_back(file_ + ":" + std::to_string(line) + ": " + what); }
+  void operator()(int line, const std::string& what) {
+    errs_.push_back(file_ + ":" + std::to_string(line) + ": " + what);
+  }
 
  private:
   const std::string& file_;
@@ -97,10 +99,14 @@ std::optional<form> form_named(const std::string& s) {
   return it->second;
 }
 
-// "[engine form=read template=0.3 response=32]"
-std::optional<engine> engine_header(const std::vector<std::string>& words, int line, reporter& report) {
+// "[engine form=read template=TLU_READ_32B]": the template gives the
+// response size; an engine by resource gives its own.
+std::optional<engine> engine_header(const std::vector<std::string>& words, int line, const catalogue& cat,
+                                    reporter& report) {
   engine e;
   bool ok = true;
+  bool by_template = false;
+  bool has_response = false;
   for (std::size_t i = 1; i < words.size(); ++i) {
     std::string key;
     std::string value;
@@ -116,15 +122,15 @@ std::optional<engine> engine_header(const std::vector<std::string>& words, int l
       ok = ok && f.has_value();
       e.code = f.value_or(form::none);
     } else if (key == "template") {
-      const std::size_t dot = value.find('.');
-      auto t = number_of(value.substr(0, dot));
-      auto en = dot == std::string::npos ? std::nullopt : number_of(value.substr(dot + 1));
-      if (!t || !en || *t > 1 || *en > 15) {
-        report(line, "template '" + value + "' is not <table 0..1>.<entry 0..15>");
+      const auto t = cat.templates.find(value);
+      if (t == cat.templates.end()) {
+        report(line, "template '" + value + "' is no row of the request template table");
         ok = false;
       } else {
-        e.table = static_cast<int>(*t);
-        e.entry = static_cast<int>(*en);
+        e.table = t->second.table;
+        e.entry = t->second.entry;
+        e.response = t->second.response;
+        by_template = true;
       }
     } else if (key == "resource" || key == "response") {
       auto n = number_of(value);
@@ -135,11 +141,16 @@ std::optional<engine> engine_header(const std::vector<std::string>& words, int l
         e.resource = static_cast<int>(*n);
       } else {
         e.response = *n;
+        has_response = true;
       }
     } else {
       report(line, "unknown engine attribute '" + key + "'");
       ok = false;
     }
+  }
+  if (by_template && has_response) {
+    report(line, "an engine by template takes the template's response size");
+    ok = false;
   }
   if (!ok) return std::nullopt;
   return e;
@@ -162,6 +173,37 @@ void add_name(identifiers& ids, std::set<std::string>& seen, const std::string& 
 }
 
 }  // namespace
+
+void parse_request_templates(std::string_view text, const std::string& file, catalogue& cat, errors& errs) {
+  reporter report(file, errs);
+  constexpr std::string_view ROW = "REQUEST_TEMPLATE(";
+  int number = 0;
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    const std::string_view line = text.substr(0, end);
+    text = end == std::string_view::npos ? std::string_view{} : text.substr(end + 1);
+    ++number;
+    if (!line.starts_with(ROW)) continue;
+    std::vector<std::string> cells{""};
+    for (const char c : line.substr(ROW.size())) {
+      if (c == ',') {
+        cells.emplace_back();
+      } else if (c != ' ' && c != ')') {
+        cells.back() += c;
+      }
+    }
+    const auto table = cells.size() == 4 ? number_of(cells[1]) : std::nullopt;
+    const auto entry = cells.size() == 4 ? number_of(cells[2]) : std::nullopt;
+    const auto response = cells.size() == 4 ? number_of(cells[3]) : std::nullopt;
+    if (!table || !entry || !response || *table > 1 || *entry > 15) {
+      report(number, "a template row is REQUEST_TEMPLATE(name, table 0..1, entry 0..15, response bytes)");
+    } else if (!cat.templates
+                    .emplace(cells[0], request_template{static_cast<int>(*table), static_cast<int>(*entry), *response})
+                    .second) {
+      report(number, "template '" + cells[0] + "' stands twice");
+    }
+  }
+}
 
 std::optional<std::uint32_t> number_of(const std::string& s) {
   std::uint64_t v = 0;
@@ -189,7 +231,7 @@ void parse_identifiers(std::string_view text, const std::string& file, catalogue
       if (!section.empty() && section.back() == ']') section.pop_back();
       current_engine.reset();
       if (section == "engine") {
-        if (auto e = engine_header(lv.words, lv.number, report)) {
+        if (auto e = engine_header(lv.words, lv.number, cat, report)) {
           ids.engines.push_back(*e);
           current_engine = ids.engines.size() - 1;
         }
@@ -277,8 +319,8 @@ void parse_tables(std::string_view text, const std::string& file, catalogue& cat
           }
         }
         if (area_stride == 0) report(lv.number, "global_blocks without a stride");
-      } else if (section != "paged" && section != "direct" && section != "hash_spaces" &&
-                 section != "hash_tables" && section != "lock_bitmaps") {
+      } else if (section != "paged" && section != "direct" && section != "hash_spaces" && section != "hash_tables" &&
+                 section != "lock_bitmaps") {
         report(lv.number, "unknown section '" + section + "'");
       }
       continue;

@@ -9,7 +9,7 @@
 namespace {
 
 constexpr const char* IDENTIFIERS = R"(
-[engine form=read template=0.3 response=32]
+[engine form=read template=TLU_READ_32B]
 UIDB_L3_ING
 [hash_families]
 MPLS_RPF HOST_HASH MAPT_LOGG_HASH
@@ -39,6 +39,7 @@ struct generated {
 
 generated generate(const std::string& tables, const std::string& rows) {
   generated g;
+  gen::parse_request_templates("REQUEST_TEMPLATE(TLU_READ_32B, 0, 3, 32)", "request_templates.def", g.cat, g.errs);
   gen::parse_identifiers(IDENTIFIERS, "identifiers.txt", g.cat, g.errs);
   gen::parse_tables(tables, "tables.txt", g.cat, g.errs);
   gen::parse_lookups(rows, "lookups.txt", g.cat, g.errs);
@@ -64,12 +65,14 @@ TEST(HashRows, ASearchRowGivesItsLookupsWithItsTagAndTheSearchFamily) {
   EXPECT_EQ(tail, (std::vector<std::string>{"MPLS_RPF_BUCKET_0__ING", "MPLS_RPF_BUCKET_1__ING", "MPLS_RPF_BUCKET__ING",
                                             "MPLS_RPF_KEY__ING", "MPLS_RPF_RES__ING"}));
   const gen::outputs out = gen::emit(g.cat, g.lookups);
-  EXPECT_TRUE(contains(out.ops_header, "inline constexpr hash_search_desc_st HASH_SEARCH_MPLS_RPF__ING = {"
-                                       "HASH_TABLE_MPLS_RPF, ID_MPLS_RPF_BUCKET_0__ING, ID_MPLS_RPF_BUCKET_1__ING, "
-                                       "ID_MPLS_RPF_BUCKET__ING, ID_MPLS_RPF_KEY__ING, ID_MPLS_RPF_RES__ING, "
-                                       "0x200, 0x210, 16, 0x220};"));
-  EXPECT_TRUE(contains(out.ops_header, "inline void hash_search_part_1_ID_MPLS_RPF__ING(env_t env, void* key, "
-                                       "hash_search_context_st* context)"));
+  EXPECT_TRUE(contains(out.ops_header,
+                       "inline constexpr hash_search_desc_st HASH_SEARCH_MPLS_RPF__ING = {"
+                       "HASH_TABLE_MPLS_RPF, ID_MPLS_RPF_BUCKET_0__ING, ID_MPLS_RPF_BUCKET_1__ING, "
+                       "ID_MPLS_RPF_BUCKET__ING, ID_MPLS_RPF_KEY__ING, ID_MPLS_RPF_RES__ING, "
+                       "0x200, 0x210, 16, 0x220};"));
+  EXPECT_TRUE(contains(out.ops_header,
+                       "inline void hash_search_part_1_ID_MPLS_RPF__ING(env_t env, void* key, "
+                       "hash_search_context_st* context)"));
   EXPECT_TRUE(contains(out.ops_header, "inline rpf_result* lookup_result_ID_MPLS_RPF_RES__ING(env_t env)"));
   EXPECT_TRUE(contains(out.ops_header, "#define LOOKUP_HASH_SEARCH_ROWS(X) \\\n  X(MPLS_RPF__ING)\n"));
   EXPECT_TRUE(contains(out.source, "{ID_MPLS_RPF_KEY__ING, 0x210}"));
@@ -82,8 +85,9 @@ TEST(HashRows, TablesAndSpacesReachTheControlSide) {
   const std::string tables = gen::emit(g.cat, g.lookups).tables_header;
   EXPECT_TRUE(contains(tables, "HASH_SPACE_A_BASE = 0x80000000;"));
   EXPECT_TRUE(contains(tables, "HASH_SPACE_BASE_ADDR_BUCKETS = 0x40000;"));
-  EXPECT_TRUE(contains(tables, "HASH_TABLE_MPLS_RPF = {\"MPLS_RPF\", 31, 32, HASH_SPACE_A_BASE, HASH_SPACE_A_BUCKETS, "
-                               "8, 16, false, false};"));
+  EXPECT_TRUE(contains(tables,
+                       "HASH_TABLE_MPLS_RPF = {\"MPLS_RPF\", 31, 32, HASH_SPACE_A_BASE, HASH_SPACE_A_BUCKETS, "
+                       "8, 16, false, false};"));
   EXPECT_TRUE(contains(tables, "HASH_TABLE_HOST_HASH = {\"HOST_HASH\", 0, 0,"));
   EXPECT_TRUE(contains(tables, "std::array<lookup_hash_table_st, 3> LOOKUP_HASH_TABLES"));
 }
@@ -92,9 +96,10 @@ TEST(HashRows, ATableInTheCallersSpaceTakesTheBaseInPartOne) {
   const generated g = generate(TABLES, "MAPT_LOGG_HASH__TAIL bucket=0x200 key=0x210 res=0x250 type=r live=t\n");
   ASSERT_TRUE(g.errs.empty()) << joined(g.errs);
   const std::string ops = gen::emit(g.cat, g.lookups).ops_header;
-  EXPECT_TRUE(contains(ops, "hash_search_context_st* context, memaddr_t base_addr) {\n"
-                            "  hash_search_part_1_base_addr(env, HASH_SEARCH_MAPT_LOGG_HASH__TAIL, key, context, "
-                            "base_addr);"));
+  EXPECT_TRUE(contains(ops,
+                       "hash_search_context_st* context, memaddr_t base_addr) {\n"
+                       "  hash_search_part_1_base_addr(env, HASH_SEARCH_MAPT_LOGG_HASH__TAIL, key, context, "
+                       "base_addr);"));
   EXPECT_TRUE(contains(ops, "#define LOOKUP_HASH_SEARCH_ROWS(X)\n"));
 }
 
@@ -127,8 +132,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "key 0x210..0x21F overlaps slot 0x200..0x21F of ID_UIDB_L3_ING"},
         bad_case{"past_reach", TABLES, "MPLS_RPF bucket=0x3F0 key=0x400 res=0x200 type=r live=g",
                  "reaches past the first 1024 bytes"},
-        bad_case{"width_without_fold", ONE_TABLE("MPLS_RPF 31 36 A 8 16"), "",
-                 "no table hash folds a key of 36 bits"},
+        bad_case{"width_without_fold", ONE_TABLE("MPLS_RPF 31 36 A 8 16"), "", "no table hash folds a key of 36 bits"},
         bad_case{"single_with_short_key", ONE_TABLE("MPLS_RPF 31 32 A 8 16 single"), "",
                  "the single-entry form holds an 8-byte key"},
         bad_case{"unknown_space", ONE_TABLE("MPLS_RPF 31 32 C 8 16"), "", "no hash space C"}),

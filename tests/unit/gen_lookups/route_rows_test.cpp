@@ -10,11 +10,11 @@ namespace {
 using gen_test::joined;
 
 constexpr const char* ROUTE_ENGINES = R"(
-[engine form=plu_ipv4 template=1.11 response=32]
+[engine form=plu_ipv4 template=PLU_IPV4_SEARCH]
 UC_DST_VPN_ING
-[engine form=plu_ipv6 template=1.12 response=32]
+[engine form=plu_ipv6 template=PLU_IPV6_SEARCH]
 IPV6_UC_DST_VPN_EGR
-[engine form=read template=0.3 response=32]
+[engine form=read template=TLU_READ_32B]
 TX_ADJ
 [tags]
 IPV4 IPV6 COMM

@@ -68,14 +68,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(RowRules, ModulusReadNeedsAPagedTable) {
   generated g;
-  gen::parse_identifiers("[engine form=mod_read template=1.8 response=32]\nLAG_INFO_ING\n[tags]\nCOMM", "i", g.cat,
+  gen::parse_identifiers("[engine form=mod_read template=MOD_READ_16B]\nLAG_INFO_ING\n[tags]\nCOMM", "i", g.cat,
                          g.errs);
   gen::parse_tables("[direct]\n0x403A4200 16 LAG_INFO_ING", "t", g.cat, g.errs);
   gen::parse_lookups("LAG_INFO_ING__COMM slot=0x060 type=rec live=g", "l", g.cat, g.errs);
   g.lookups = gen::resolve(g.cat, g.errs);
   ASSERT_EQ(g.errs.size(), 1u) << joined(g.errs);
-  EXPECT_NE(g.errs[0].find("a read with modulus needs a paged table, and LAG_INFO_ING is not one"),
-            std::string::npos);
+  EXPECT_NE(g.errs[0].find("a read with modulus needs a paged table, and LAG_INFO_ING is not one"), std::string::npos);
 }
 
 TEST(RowRules, TablesNameOnlyBaseNamesOnce) {
@@ -87,6 +86,38 @@ TEST(RowRules, TablesNameOnlyBaseNamesOnce) {
   EXPECT_NE(g.errs[0].find("tables.txt:2: table NO_SUCH_TABLE is no base name"), std::string::npos);
   EXPECT_NE(g.errs[1].find("tables.txt:3: table UIDB_L3_ING has two addresses"), std::string::npos);
   EXPECT_NE(g.errs[2].find("tables.txt:4: page descriptor 1 has a second line"), std::string::npos);
+}
+
+// An engine takes its template, and with it the response size, from the
+// template table only.
+TEST(RowRules, EnginesNameTemplatesOfTheTable) {
+  struct bad_engine {
+    const char* text;
+    const char* fault;
+  };
+  for (const bad_engine& c : {
+           bad_engine{"[engine form=read template=TLU_READ_64B]\nX", "template 'TLU_READ_64B' is no row"},
+           bad_engine{"[engine form=read template=TLU_READ_16B response=16]\nX", "takes the template's response"},
+           bad_engine{"[engine form=read template=0.2]\nX", "template '0.2' is no row"},
+       }) {
+    generated g;
+    gen::parse_identifiers(c.text, "identifiers.txt", g.cat, g.errs);
+    ASSERT_EQ(g.errs.size(), 1u) << c.text << "\n" << joined(g.errs);
+    EXPECT_NE(g.errs[0].find(c.fault), std::string::npos) << g.errs[0];
+  }
+}
+
+TEST(RowRules, TemplateRowsAreWholeAndNamedOnce) {
+  generated g;
+  gen::parse_request_templates(
+      "REQUEST_TEMPLATE(A, 0, 16, 8)\nREQUEST_TEMPLATE(B, 2, 1, 8)\n"
+      "REQUEST_TEMPLATE(C, 0, 1)\nREQUEST_TEMPLATE(TLU_READ_16B, 0, 5, 16)",
+      "request_templates.def", g.cat, g.errs);
+  ASSERT_EQ(g.errs.size(), 4u) << joined(g.errs);
+  EXPECT_NE(g.errs[0].find("request_templates.def:1: a template row is"), std::string::npos);
+  EXPECT_NE(g.errs[1].find("request_templates.def:2: a template row is"), std::string::npos);
+  EXPECT_NE(g.errs[2].find("request_templates.def:3: a template row is"), std::string::npos);
+  EXPECT_NE(g.errs[3].find("request_templates.def:4: template 'TLU_READ_16B' stands twice"), std::string::npos);
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ gen_test::generated tlu_mod_rows(const std::string& engine_response, const std::
                                  const std::string& rows) {
   gen_test::generated g;
   gen::parse_identifiers("[engine form=tlu_mod_read_paged resource=120 response=" + engine_response +
-                             "]\nLAG_EGR\n[engine form=read template=0.2 response=16]\nLAG_INFO_EGR\n",
+                             "]\nLAG_EGR\n[engine form=read template=TLU_READ_16B]\nLAG_INFO_EGR\n",
                          "identifiers.txt", g.cat, g.errs);
   gen::parse_tables(tables, "tables.txt", g.cat, g.errs);
   gen::parse_lookups(rows, "lookups.txt", g.cat, g.errs);
@@ -39,8 +39,8 @@ TEST(TluModRows, WritesTheLongCommandWithThePagedRecordAndTheSlotAsCell) {
 }
 
 TEST(TluModRows, NeedsAPagedTable) {
-  const auto g = tlu_mod_rows("16", "[direct]\n0x403A4200 16 LAG_EGR LAG_INFO_EGR",
-                              "LAG_EGR slot=0x0E0 type=rec live=egr");
+  const auto g =
+      tlu_mod_rows("16", "[direct]\n0x403A4200 16 LAG_EGR LAG_INFO_EGR", "LAG_EGR slot=0x0E0 type=rec live=egr");
   ASSERT_EQ(g.errs.size(), 1u) << joined(g.errs);
   EXPECT_NE(g.errs[0].find("a read with modulus needs a paged table, and LAG_EGR is not one"), std::string::npos);
 }
