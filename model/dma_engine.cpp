@@ -18,7 +18,9 @@ namespace model {
 
 namespace {
 
-paddr_t physical(std::uint32_t word0, std::uint32_t word1) { return (paddr_t{word0 >> 24} << 32) | word1; }
+paddr_t physical(const mem_request_st& req) {
+  return (paddr_t{mem_request_st::m40ah::get(req)} << 32) | mem_request_st::address_low::get(req);
+}
 
 rmw_op alu_op(std::uint32_t opcode) {
   switch (opcode) {
@@ -44,15 +46,15 @@ rmw_op alu_op(std::uint32_t opcode) {
 }
 
 void respond_old_word(dma_request& r, std::uint64_t old, unsigned width) {
-  if (std::uint8_t* resp = r.response()) store_be(resp, width, old);
+  if (std::uint8_t* resp = r.response()) store_word(resp, width, old);
 }
 
 // One operation of the memory controller: its operation word (word 0 of a
 // physical request, or the word that a long TLU command forwards), its
 // address, and the request word where its data or operand begins. Addresses
 // of statistics memory go to the statistics engine.
-void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t data_word) {
-  const std::uint32_t opcode = w0 & 0xFF;
+void memory_op(dma_request& r, const mem_request_st& op, paddr_t addr, std::uint32_t data_word) {
+  const std::uint32_t opcode = mem_request_st::opcode::get(op);
   if (stats_memory::contains(addr)) {
     return stats_memory_op(r.thread(), opcode, addr, r.word(data_word), r.response(), r.cmd().resp_bytes);
   }
@@ -96,7 +98,8 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
     }
     case MEM_OP_INCR_4B: {
       // With a second command behind it, this is the increment with wrap.
-      if (r.cmd().req_bytes >= 24 && (r.word(data_word) & 0xFF) == MEM_OP_INCR_WRAP_PART2) {
+      const auto& next = r.record_at<mem_request_st>(4 * data_word);
+      if (r.cmd().req_bytes >= 24 && mem_request_st::opcode::get(next) == MEM_OP_INCR_WRAP_PART2) {
         return respond_old_word(r, mem.rmw(addr, 4, rmw_op::inc_wrap, r.word(data_word + 2)), 4);
       }
       return respond_old_word(r, mem.rmw(addr, 4, rmw_op::add, 1), 4);
@@ -121,14 +124,17 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
 }
 
 // Physical memory requests (resource 511).
-void memory_request(dma_request& r) { memory_op(r, r.word(0), physical(r.word(0), r.word(1)), 2); }
+void memory_request(dma_request& r) {
+  const auto& req = r.record_at<mem_request_st>(0);
+  memory_op(r, req, physical(req), 2);
+}
 
 // Long TLU commands: one memory operation (word 2) forwarded to a virtual
 // address (word 1) with its operand in word 3; the TLU serves the others.
 void tlu_long_request(dma_request& r) {
   const std::uint32_t w0 = r.word(0);
   if (w0 == TLU_CMD_ERC2 || w0 == TLU_CMD_ERC3 || w0 == TLU_CMD_ERC4) {
-    return memory_op(r, r.word(2), r.owner().memory().translate(r.word(1)), 3);
+    return memory_op(r, r.record_at<mem_request_st>(8), r.owner().memory().translate(r.word(1)), 3);
   }
   if (is_tlu_command(w0)) return execute_tlu_command(r);
   r.breach("long TLU command " + std::to_string(w0) + ", which nothing serves");
@@ -147,7 +153,7 @@ void flowlock_convert(dma_request& r) {
   convert_to_lock_of_word1(r);
   std::uint8_t* resp = r.response();
   if (resp && r.word(0) == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
-    r.owner().memory().read(physical(r.word(2), r.word(3)), {resp, std::min(16u, r.cmd().resp_bytes)});
+    r.owner().memory().read(physical(r.record_at<mem_request_st>(8)), {resp, std::min(16u, r.cmd().resp_bytes)});
   }
 }
 
@@ -205,7 +211,9 @@ void execute_dma(npu_thread& t, std::uint32_t cmd) {
   if (res == RES_FLB) return flb_request(r);
   if (res == RES_TLU_LONG || res == RES_TLU_DIV || res == RES_TLU_LONG_WRITE) return tlu_long_request(r);
   if (res >= RES_TLU_READ_4B && res <= RES_TLU_READ_NC_32B) return execute_tlu_read(r);
-  if (res == RES_TLU_COUNTERS) return memory_op(r, r.word(0), r.owner().memory().translate(r.word(1)), 2);
+  if (res == RES_TLU_COUNTERS) {
+    return memory_op(r, r.record_at<mem_request_st>(0), r.owner().memory().translate(r.word(1)), 2);
+  }
   if (is_gpb_resource(res)) return execute_gpb(t, res, r.cmd().req_loc, r.cmd().resp_loc, r.cmd().resp_bytes);
   if (res == RES_TLU_INVALIDATE) return execute_tlu_invalidate(r);
   if (res == RES_PLU) return execute_plu(r);

@@ -14,6 +14,7 @@
 #include "dma_defs.h"
 #include "dplane/infra/ps.h"
 #include "global_config.h"
+#include "stats_defs.h"
 
 inline constexpr std::uint32_t STATS_GLB_CNT_BASE = 0x4AEA00;
 inline constexpr std::uint32_t STATS_ENTRY_BASE = 0x500000;
@@ -43,23 +44,6 @@ enum stats_uidb_static_egr_index_e : std::uint32_t {
   STATS_IF_LAYER2_MCAST_OUTPUT_CNT = 2,
   MAX_UIDB_STATIC_EGR_STATS = 3,
 };
-
-// The cell of a pair request: word 0 stands for the template's command (the
-// entry's address), the byte count at byte 8.
-struct stats_add_request_st {
-  be_u32 address;
-  be_u32 reserved;
-  be_u32 count;
-  be_u32 pad;
-};
-static_assert(sizeof(stats_add_request_st) == 16);
-
-// A pair as the read-and-clear returns it: the low 32 bits of each count.
-struct stats_counter_pair_st {
-  be_u32 packets;
-  be_u32 bytes;
-};
-static_assert(sizeof(stats_counter_pair_st) == 8);
 
 inline std::uint32_t compute_replicated_stats_index(env_t env, std::uint32_t stats_index) {
   if (!(stats_index & STATS_RELATIVE_INDEX)) return stats_index;

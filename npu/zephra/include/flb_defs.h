@@ -13,10 +13,10 @@ inline constexpr std::uint32_t FLB_CMD_FREE_EGRESS = 0x00000C15;
 inline constexpr std::uint32_t PKT_END_RESPONSE_BYTES = 128;
 
 // Flow-lock conversion: the packet moves to the lock of word 1; the READ16
-// form also reads 16 bytes at the physical address of words 2 and 3.
+// form also reads 16 bytes through the physical memory request (without byte
+// mask, with response) of words 2 and 3.
 inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT = 0x00000810;
 inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT_READ16 = 0x00000916;
-inline constexpr std::uint32_t FLB_CONVERT_READ16_WORD2 = 0x3AA;
 
 // Gather request, big-endian words:
 //   0  command: 0x00000F13 ingress gather, 0x00000F12 service loopback
