@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "be_types.h"
+
 // Word 0 of a packet-ending request. The first request for a packet ends
 // nothing; a free gives the packet up, by the ingress bit of its header.
 inline constexpr std::uint32_t FLB_CMD_FIRST_PACKET = 0x00000020;
@@ -35,3 +37,14 @@ inline constexpr std::uint32_t GATHER_IGPB_LINE = 0x40000000;
 inline constexpr std::uint32_t GATHER_KEEP = 0x800000;
 // A keep send with word 1 also converts the packet to that flow lock.
 inline constexpr std::uint32_t GATHER_KEEP_REQ_BYTES = 24;
+
+// A piece word; the first piece's count says how many follow it, itself included.
+struct gather_piece_st {
+  std::uint8_t bytes[4];
+  using word = be_bits<0, 0, 32>;
+  using count = be_word_bits<0, 30, 2>;
+  using length = be_word_bits<0, 16, 14>;
+  using offset = be_word_bits<0, 0, 16>;  // from the packet buffer start
+};
+static_assert(sizeof(gather_piece_st) == 4);
+inline constexpr std::uint32_t GATHER_MAX_PIECES = 3;
