@@ -21,7 +21,7 @@ constexpr std::uint32_t LAG_HASHES = 1 << 12;  // the 12 bundle bits of a flow h
 
 // One NPU of one thread holding a bundle of MEMBERS members, all its own.
 model::chassis& bundle_chassis() {
-  static model::chassis ch({{1, 1}});
+  static model::chassis ch({{1, 1}}, power_fwcore_main);
   static ctrl::chassis_tables tables = [] {
     ctrl::chassis_tables t(ch);
     ctrl::bundle b;

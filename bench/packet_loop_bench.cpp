@@ -9,6 +9,7 @@
 
 #include "model/chassis.h"
 #include "model/dist_hdr_builder.h"
+#include "power.h"
 
 namespace {
 
@@ -16,7 +17,7 @@ constexpr std::int64_t BATCH = 4096;
 
 void BM_arrival_dispatch_drop(benchmark::State& state) {
   const auto threads = static_cast<std::uint32_t>(state.range(0));
-  model::chassis chassis({model::npu_config{threads, 1}});
+  model::chassis chassis({model::npu_config{threads, 1}}, power_fwcore_main);
   chassis.start();
   model::arriving_packet pkt;
   pkt.dist_hdr = model::dist_hdr_builder::fabric().bytes();
@@ -37,7 +38,11 @@ std::int64_t host_cores() { return std::max<std::int64_t>(1, std::thread::hardwa
 
 }  // namespace
 
-BENCHMARK(BM_arrival_dispatch_drop)->Arg(1)->Arg(host_cores())->ArgName("threads")->UseRealTime()
+BENCHMARK(BM_arrival_dispatch_drop)
+    ->Arg(1)
+    ->Arg(host_cores())
+    ->ArgName("threads")
+    ->UseRealTime()
     ->Unit(benchmark::kMillisecond);
 
 BENCHMARK_MAIN();

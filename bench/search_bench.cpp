@@ -106,7 +106,7 @@ void load(ctrl::npu_tables& tables, const route_set& s, std::size_t count) {
 
 // One NPU with its tables loaded once for all the search benchmarks.
 model::chassis& loaded_chassis() {
-  static model::chassis ch({{1, 1}});
+  static model::chassis ch({{1, 1}}, power_fwcore_main);
   static ctrl::chassis_tables tables = [] {
     ctrl::chassis_tables t(ch);
     load(t.npu(0), ipv4_set(), IPV4_ROUTES);
@@ -120,7 +120,7 @@ model::chassis& loaded_chassis() {
 void BM_load_ipv4_routes(benchmark::State& state) {
   const route_set& s = ipv4_set();
   for (auto _ : state) {
-    model::chassis ch({{1, 1}});
+    model::chassis ch({{1, 1}}, power_fwcore_main);
     ctrl::chassis_tables tables(ch);
     load(tables.npu(0), s, IPV4_ROUTES);
     state.counters["routes"] = static_cast<double>(ch.at(0).plu().routes());
@@ -131,7 +131,7 @@ BENCHMARK(BM_load_ipv4_routes)->Iterations(1)->Unit(benchmark::kMillisecond);
 void BM_load_ipv6_routes(benchmark::State& state) {
   const route_set& s = ipv6_set();
   for (auto _ : state) {
-    model::chassis ch({{1, 1}});
+    model::chassis ch({{1, 1}}, power_fwcore_main);
     ctrl::chassis_tables tables(ch);
     load(tables.npu(0), s, IPV6_ROUTES);
     state.counters["routes"] = static_cast<double>(ch.at(0).plu().routes());

@@ -72,8 +72,9 @@ error interfaces::add_port(const line_port& p) {
     return error::out_of_range;
   }
   if (port_handles_.count(p.port)) return error::exists;
-  write_record(n_, TABLE_BASE_PORT_CONFIG_ING + p.port * TABLE_STRIDE_PORT_CONFIG_ING, bytes_of(port_record(p)));
-  n_.parser().set_port(p.port, {p.mac, p.input_queue});
+  const std::uint32_t record = TABLE_BASE_PORT_CONFIG_ING + p.port * TABLE_STRIDE_PORT_CONFIG_ING;
+  write_record(n_, record, bytes_of(port_record(p)));
+  n_.parser().set_port(p.port, {p.mac, p.input_queue, record});
   port_handles_[p.port] = p.if_handle;
   return error::none;
 }
@@ -149,7 +150,7 @@ interface_added interfaces::add_interface(std::uint32_t port, const std::vector<
   handles_.insert(cfg.if_handle);
   write_records(n_, index, e.place, cfg);
   write_marks(n_, index, marks_of(cfg, false));
-  n_.parser().set_interface(e.key, {index, l2});
+  n_.parser().set_interface(e.key, {index, l2, marks_address(index)});
   return {error::none, index, *stats};
 }
 

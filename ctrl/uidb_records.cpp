@@ -118,11 +118,11 @@ uidb_l2_egr_st l2_egress(const l2_interface& c, const interface_place& at) {
   return egress_record<uidb_l2_egr_st>(c, at, c.egress_ext.has_value());
 }
 
+}  // namespace
+
 std::uint32_t marks_address(std::uint32_t index) {
   return direct(TABLE_BASE_UIDB_MARK_BITS_ING, TABLE_STRIDE_UIDB_MARK_BITS_ING, index);
 }
-
-}  // namespace
 
 mark_bits_st marks_of(const l3_interface& c, bool maintenance) {
   using m = mark_bits_st::l3;

@@ -81,6 +81,8 @@ mark_bits_st marks_of(const l2_interface& cfg, bool maintenance);
 void write_records(model::npu& n, std::uint32_t uidb_index, const interface_place& at, const l3_interface& cfg);
 void write_records(model::npu& n, std::uint32_t uidb_index, const interface_place& at, const l2_interface& cfg);
 void write_marks(model::npu& n, std::uint32_t uidb_index, const mark_bits_st& marks);
+// Where the marks of uidb_index stand; the parser reads them from there.
+std::uint32_t marks_address(std::uint32_t uidb_index);
 // Zeros every record and the marks of uidb_index.
 void clear_records(model::npu& n, std::uint32_t uidb_index);
 

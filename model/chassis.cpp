@@ -4,7 +4,7 @@
 
 namespace model {
 
-chassis::chassis(const std::vector<npu_config>& npus) {
+chassis::chassis(const std::vector<npu_config>& npus, thread_entry entry) : entry_(entry) {
   vqi_npu_.fill(NO_NPU);
   for (std::uint32_t i = 0; i < npus.size(); ++i) npus_.push_back(std::make_unique<npu>(*this, i, npus[i]));
 }
@@ -40,7 +40,7 @@ void chassis::start() {
   for (auto& n : npus_) {
     for (std::uint32_t i = 0; i < n->thread_count(); ++i) {
       npu_thread& t = n->thread(i);
-      t.host_thread = std::thread([&t] { run_npu_thread(t); });
+      t.host_thread = std::thread([&t, entry = entry_] { run_npu_thread(t, entry); });
     }
   }
   std::unique_lock lock(mutex_);

@@ -9,8 +9,8 @@
 // never around it.
 #pragma once
 
-#include <condition_variable>
 #include <array>
+#include <condition_variable>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -24,7 +24,8 @@ namespace model {
 
 class chassis {
  public:
-  explicit chassis(const std::vector<npu_config>& npus);
+  // Every thread of every NPU runs `entry`, the program's thread entry.
+  chassis(const std::vector<npu_config>& npus, thread_entry entry);
   ~chassis();
   chassis(const chassis&) = delete;
   chassis& operator=(const chassis&) = delete;
@@ -57,6 +58,7 @@ class chassis {
 
   std::mutex mutex_;
   std::condition_variable idle_cv_;
+  thread_entry entry_;
   bool stopping_ = false;
   bool started_ = false;
   std::vector<std::unique_ptr<npu>> npus_;

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "platform/varn/dist_hdr.h"
+#include "dist_hdr.h"
 
 namespace model {
 

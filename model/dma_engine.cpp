@@ -6,6 +6,7 @@
 
 #include "classify_requests.h"
 #include "dma_request.h"
+#include "flb_defs.h"
 #include "gpb_engine.h"
 #include "platform_ops.h"
 #include "plu_requests.h"
@@ -17,34 +18,43 @@ namespace model {
 
 namespace {
 
-paddr_t physical(std::uint32_t word0, std::uint32_t word1) {
-  return (paddr_t{word0 >> 24} << 32) | word1;
+paddr_t physical(const mem_request_st& req) {
+  return (paddr_t{mem_request_st::m40ah::get(req)} << 32) | mem_request_st::address_low::get(req);
 }
 
 rmw_op alu_op(std::uint32_t opcode) {
   switch (opcode) {
-    case MEM_OP_SADD: return rmw_op::add;
-    case MEM_OP_NOR: return rmw_op::nor;
-    case MEM_OP_NOT: return rmw_op::bit_not;
-    case MEM_OP_XOR: return rmw_op::bit_xor;
-    case MEM_OP_NAND: return rmw_op::nand;
-    case MEM_OP_AND: return rmw_op::bit_and;
-    case MEM_OP_XNOR: return rmw_op::xnor;
-    case MEM_OP_OR: return rmw_op::bit_or;
-    default: return rmw_op::write;
+    case MEM_OP_SADD:
+      return rmw_op::add;
+    case MEM_OP_NOR:
+      return rmw_op::nor;
+    case MEM_OP_NOT:
+      return rmw_op::bit_not;
+    case MEM_OP_XOR:
+      return rmw_op::bit_xor;
+    case MEM_OP_NAND:
+      return rmw_op::nand;
+    case MEM_OP_AND:
+      return rmw_op::bit_and;
+    case MEM_OP_XNOR:
+      return rmw_op::xnor;
+    case MEM_OP_OR:
+      return rmw_op::bit_or;
+    default:
+      return rmw_op::write;
   }
 }
 
 void respond_old_word(dma_request& r, std::uint64_t old, unsigned width) {
-  if (std::uint8_t* resp = r.response()) store_be(resp, width, old);
+  if (std::uint8_t* resp = r.response()) store_word(resp, width, old);
 }
 
 // One operation of the memory controller: its operation word (word 0 of a
 // physical request, or the word that a long TLU command forwards), its
 // address, and the request word where its data or operand begins. Addresses
 // of statistics memory go to the statistics engine.
-void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t data_word) {
-  const std::uint32_t opcode = w0 & 0xFF;
+void memory_op(dma_request& r, const mem_request_st& op, paddr_t addr, std::uint32_t data_word) {
+  const std::uint32_t opcode = mem_request_st::opcode::get(op);
   if (stats_memory::contains(addr)) {
     return stats_memory_op(r.thread(), opcode, addr, r.word(data_word), r.response(), r.cmd().resp_bytes);
   }
@@ -57,15 +67,23 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
     r.response();
   };
   switch (opcode) {
-    case MEM_OP_READ_4B: return read_into_response(4);
-    case MEM_OP_READ_8B: return read_into_response(8);
-    case MEM_OP_READ_16B: return read_into_response(16);
-    case MEM_OP_READ_32B: return read_into_response(32);
-    case MEM_OP_WRITE_4B: return write_from_request(4);
-    case MEM_OP_WRITE_8B: return write_from_request(8);
-    case MEM_OP_WRITE_16B: return write_from_request(16);
+    case MEM_OP_READ_4B:
+      return read_into_response(4);
+    case MEM_OP_READ_8B:
+      return read_into_response(8);
+    case MEM_OP_READ_16B:
+      return read_into_response(16);
+    case MEM_OP_READ_32B:
+      return read_into_response(32);
+    case MEM_OP_WRITE_4B:
+      return write_from_request(4);
+    case MEM_OP_WRITE_8B:
+      return write_from_request(8);
+    case MEM_OP_WRITE_16B:
+      return write_from_request(16);
     case MEM_OP_WRITE_32B:
-    case MEM_OP_DPE_WRITE_32B: return write_from_request(32);
+    case MEM_OP_DPE_WRITE_32B:
+      return write_from_request(32);
     case MEM_OP_EPE_READ_CLR_16B: {
       std::uint8_t* resp = r.response();
       std::uint8_t scratch[16];
@@ -80,12 +98,14 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
     }
     case MEM_OP_INCR_4B: {
       // With a second command behind it, this is the increment with wrap.
-      if (r.cmd().req_bytes >= 24 && (r.word(data_word) & 0xFF) == MEM_OP_INCR_WRAP_PART2) {
+      const auto& next = r.record_at<mem_request_st>(4 * data_word);
+      if (r.cmd().req_bytes >= 24 && mem_request_st::opcode::get(next) == MEM_OP_INCR_WRAP_PART2) {
         return respond_old_word(r, mem.rmw(addr, 4, rmw_op::inc_wrap, r.word(data_word + 2)), 4);
       }
       return respond_old_word(r, mem.rmw(addr, 4, rmw_op::add, 1), 4);
     }
-    case MEM_OP_INCR_8B: return respond_old_word(r, mem.rmw(addr, 8, rmw_op::add, 1), 8);
+    case MEM_OP_INCR_8B:
+      return respond_old_word(r, mem.rmw(addr, 8, rmw_op::add, 1), 8);
     case MEM_OP_CONDSUB_4B:
       return respond_old_word(r, mem.rmw(addr, 4, rmw_op::cond_sub, r.word(data_word)), 4);
     case MEM_OP_SADD:
@@ -95,21 +115,26 @@ void memory_op(dma_request& r, std::uint32_t w0, paddr_t addr, std::uint32_t dat
     case MEM_OP_NAND:
     case MEM_OP_AND:
     case MEM_OP_XNOR:
-    case MEM_OP_OR: return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(data_word)), 4);
-    default: break;
+    case MEM_OP_OR:
+      return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(data_word)), 4);
+    default:
+      break;
   }
   r.breach("memory request with opcode " + std::to_string(opcode) + ", which nothing serves");
 }
 
 // Physical memory requests (resource 511).
-void memory_request(dma_request& r) { memory_op(r, r.word(0), physical(r.word(0), r.word(1)), 2); }
+void memory_request(dma_request& r) {
+  const auto& req = r.record_at<mem_request_st>(0);
+  memory_op(r, req, physical(req), 2);
+}
 
 // Long TLU commands: one memory operation (word 2) forwarded to a virtual
 // address (word 1) with its operand in word 3; the TLU serves the others.
 void tlu_long_request(dma_request& r) {
   const std::uint32_t w0 = r.word(0);
   if (w0 == TLU_CMD_ERC2 || w0 == TLU_CMD_ERC3 || w0 == TLU_CMD_ERC4) {
-    return memory_op(r, r.word(2), r.owner().memory().translate(r.word(1)), 3);
+    return memory_op(r, r.record_at<mem_request_st>(8), r.owner().memory().translate(r.word(1)), 3);
   }
   if (is_tlu_command(w0)) return execute_tlu_command(r);
   r.breach("long TLU command " + std::to_string(w0) + ", which nothing serves");
@@ -128,7 +153,7 @@ void flowlock_convert(dma_request& r) {
   convert_to_lock_of_word1(r);
   std::uint8_t* resp = r.response();
   if (resp && r.word(0) == FLB_CMD_FLOWLOCK_CONVERT_READ16) {
-    r.owner().memory().read(physical(r.word(2), r.word(3)), {resp, std::min(16u, r.cmd().resp_bytes)});
+    r.owner().memory().read(physical(r.record_at<mem_request_st>(8)), {resp, std::min(16u, r.cmd().resp_bytes)});
   }
 }
 
@@ -137,10 +162,9 @@ void flowlock_convert(dma_request& r) {
 void keep_send(dma_request& r) {
   npu_thread& t = r.thread();
   if (!t.holds_packet) return r.breach("keep send without a packet");
-  constexpr std::uint32_t KEEP_REQUEST_WITH_LOCK_BYTES = 24;
   r.owner().flow_order().wait_turn(t.index);
   transmit_gather(r);
-  if (r.cmd().req_bytes == KEEP_REQUEST_WITH_LOCK_BYTES) convert_to_lock_of_word1(r);
+  if (r.cmd().req_bytes == GATHER_KEEP_REQ_BYTES) convert_to_lock_of_word1(r);
 }
 
 // The FLB: packet end (free or send) and next packet, keep sends, flow-lock
@@ -152,17 +176,14 @@ void flb_request(dma_request& r) {
   const bool packet_end = c.resp_bytes == PKT_END_RESPONSE_BYTES && (c.resp_loc == 0 || is_gather_request(w0));
   if (!packet_end) {
     if (w0 == FLB_CMD_FLOWLOCK_CONVERT || w0 == FLB_CMD_FLOWLOCK_CONVERT_READ16) return flowlock_convert(r);
-    if (is_gather_request(w0) && (read_gather_request(r).handle_word & GATHER_KEEP_BIT)) return keep_send(r);
+    if (is_gather_request(w0) && (read_gather_request(r).handle_word & GATHER_KEEP)) return keep_send(r);
     r.breach("FLB request " + std::to_string(w0) + ", which nothing serves");
     return;
   }
-  constexpr std::uint32_t FIRST_REQUEST = 0x20;
-  constexpr std::uint32_t FREE_INGRESS = 0x00000C14;
-  constexpr std::uint32_t FREE_EGRESS = 0x00000C15;
   if (t.holds_packet) {
     // The end is the packet's last ordering point: what it sends leaves in its turn.
     r.owner().flow_order().wait_turn(t.index);
-    if (w0 == FREE_EGRESS || w0 == FREE_INGRESS) {
+    if (w0 == FLB_CMD_FREE_EGRESS || w0 == FLB_CMD_FREE_INGRESS) {
       t.current.end = packet_end::freed;
     } else if (is_gather_request(w0)) {
       transmit_gather(r);
@@ -171,7 +192,7 @@ void flb_request(dma_request& r) {
       r.breach("packet-ending request " + std::to_string(w0) + ", which nothing serves");
     }
     t.owner->finish_packet(t);
-  } else if (w0 != FIRST_REQUEST) {
+  } else if (w0 != FLB_CMD_FIRST_PACKET) {
     r.breach("packet-ending request without a packet");
   }
   t.owner->wait_for_packet(t);
@@ -190,7 +211,9 @@ void execute_dma(npu_thread& t, std::uint32_t cmd) {
   if (res == RES_FLB) return flb_request(r);
   if (res == RES_TLU_LONG || res == RES_TLU_DIV || res == RES_TLU_LONG_WRITE) return tlu_long_request(r);
   if (res >= RES_TLU_READ_4B && res <= RES_TLU_READ_NC_32B) return execute_tlu_read(r);
-  if (res == RES_TLU_COUNTERS) return memory_op(r, r.word(0), r.owner().memory().translate(r.word(1)), 2);
+  if (res == RES_TLU_COUNTERS) {
+    return memory_op(r, r.record_at<mem_request_st>(0), r.owner().memory().translate(r.word(1)), 2);
+  }
   if (is_gpb_resource(res)) return execute_gpb(t, res, r.cmd().req_loc, r.cmd().resp_loc, r.cmd().resp_bytes);
   if (res == RES_TLU_INVALIDATE) return execute_tlu_invalidate(r);
   if (res == RES_PLU) return execute_plu(r);

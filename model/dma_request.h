@@ -7,6 +7,7 @@
 #include <string>
 
 #include "dma_defs.h"
+#include "memory_word.h"
 #include "npu.h"
 
 namespace model {
@@ -19,28 +20,24 @@ struct dma_cmd {
   std::uint32_t req_loc;
 };
 
-constexpr dma_cmd decode_dma_cmd(std::uint32_t cmd) {
-  return {cmd >> DMA_CMD_RESOURCE_SHIFT, ((cmd >> DMA_CMD_RESP_SIZE_SHIFT) & 0x1F) * 8,
-          ((cmd >> DMA_CMD_RESP_LOC_SHIFT) & 0x3F) * 16, ((cmd >> DMA_CMD_REQ_SIZE_SHIFT) & 0x1F) * 4,
-          (cmd & 0x3F) * 16};
-}
-
-inline std::uint32_t load_be32(const std::uint8_t* p) {
-  return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
-}
-
-inline void store_be(std::uint8_t* p, unsigned width, std::uint64_t v) {
-  for (unsigned i = width; i-- > 0;) {
-    p[i] = static_cast<std::uint8_t>(v);
-    v >>= 8;
-  }
+inline dma_cmd decode_dma_cmd(std::uint32_t cmd) {
+  dma_cmd_st c;
+  dma_cmd_st::word::set(c, cmd);
+  return {dma_cmd_st::resource::get(c), dma_cmd_st::resp_units::get(c) * DMA_RESP_UNIT_BYTES,
+          dma_cmd_st::resp_cell::get(c) * DMA_CELL_BYTES, dma_cmd_st::req_words::get(c) * DMA_REQ_WORD_BYTES,
+          dma_cmd_st::req_cell::get(c) * DMA_CELL_BYTES};
 }
 
 class dma_request {
  public:
   dma_request(npu_thread& t, const dma_cmd& c) : t_(t), c_(c) {}
 
-  std::uint32_t word(std::uint32_t i) const { return load_be32(t_.dmem.data() + c_.req_loc + 4 * i); }
+  std::uint32_t word(std::uint32_t i) const { return reinterpret_cast<const be_u32*>(bytes_from(4 * i))->get(); }
+  // The request from byte `offset` on, as record R.
+  template <class R>
+  const R& record_at(std::uint32_t offset) const {
+    return *reinterpret_cast<const R*>(bytes_from(offset));
+  }
   const std::uint8_t* bytes_from(std::uint32_t offset) const { return t_.dmem.data() + c_.req_loc + offset; }
   // The response area, cleared to the response size; null if none is wanted.
   std::uint8_t* response() {

@@ -2,7 +2,7 @@
 
 #include "chassis.h"
 #include "dist_hdr_builder.h"
-#include "platform/varn/fab_hdr.h"
+#include "fab_hdr.h"
 
 namespace model {
 

@@ -3,20 +3,18 @@
 #include <cstring>
 #include <string>
 
+#include "gpb_defs.h"
 #include "npu.h"
-#include "npu/zephra/pkt_mem_alloc.h"
 
 namespace model {
 
 namespace {
 
-constexpr std::uint32_t ENGINES = 4;
-constexpr std::uint32_t GPB_NACK = 1;
 constexpr std::uint32_t LOWEST_HEAD_SEGMENT = GPB_FIRST_HEAD_SEGMENT - (GPM_MAX_BLOCKS - 1);
 
 bool is_engine_of(std::uint32_t resource, std::uint32_t base) {
   return resource >= base && (resource - base) % GPB_RESOURCE_STRIDE == 0 &&
-         (resource - base) / GPB_RESOURCE_STRIDE < ENGINES;
+         (resource - base) / GPB_RESOURCE_STRIDE < GPB_ENGINES;
 }
 
 // What is wrong with a request, or an empty string.
@@ -29,7 +27,7 @@ std::string check(std::uint32_t resource, const gpb_alloc_request_st& req, std::
   }
   const std::uint32_t handle = gpb_alloc_request_st::packet_handle::get(req);
   const std::uint32_t base = ingress ? GPB_RESOURCE_INGRESS : GPB_RESOURCE_EGRESS;
-  if ((resource - base) / GPB_RESOURCE_STRIDE != (handle & (ENGINES - 1))) {
+  if ((resource - base) / GPB_RESOURCE_STRIDE != (handle & (GPB_ENGINES - 1))) {
     return "head allocation for packet handle " + std::to_string(handle) + " on engine " + std::to_string(resource) +
            ", which does not serve it";
   }
@@ -67,7 +65,7 @@ void execute_gpb(npu_thread& t, std::uint32_t resource, std::uint32_t req_loc, s
   std::memcpy(req.bytes, t.dmem.data() + req_loc, sizeof req.bytes);
   if (const std::string broke = check(resource, req, resp_bytes); !broke.empty()) return t.owner->breach(t, broke);
   gpb_alloc_response_ resp{};
-  gpb_alloc_response_::ack::set(resp, t.owner->gpb().decide() ? 0 : GPB_NACK);
+  gpb_alloc_response_::ack::set(resp, t.owner->gpb().decide() ? GPB_ACK_GRANTED : GPB_ACK_REFUSED);
   std::memcpy(t.dmem.data() + resp_loc, resp.bytes, sizeof resp.bytes);
 }
 

@@ -1,6 +1,6 @@
 #include "line_delivery.h"
 
-#include "platform/varn/line_hdr.h"
+#include "line_hdr.h"
 
 namespace model {
 

@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "dplane/infra/lookup_tables.h"
 #include "ethernet.h"
 #include "fwc_port.h"
 #include "fwc_uidb.h"
-#include "npu/zephra/pkt_decode.h"
-#include "npu/zephra/pkt_rx.h"
 #include "parser_frame.h"
 #include "parser_vector.h"
 
@@ -22,8 +19,24 @@ using baf = baf_hdr_ing_st;
 constexpr std::uint16_t ETHERTYPE_MPLS_MULTICAST = 0x8848;
 constexpr std::uint32_t MARK_LOW_BITS = 8;
 
+// The bridge groups 01-80-C2-xx-xx-xx, and four exact addresses.
+constexpr std::array<std::uint8_t, 3> BRIDGE_GROUP_PREFIX = {0x01, 0x80, 0xC2};
+constexpr std::array<mac_address, 4> CONTROL_GROUPS = {{
+    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCC},
+    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCD},
+    {0x01, 0x00, 0x0C, 0xCD, 0xCD, 0xD0},
+    {0x01, 0x00, 0x5E, 0x90, 0x00, 0x01},
+}};
+
+bool is_control_group(std::span<const std::uint8_t> mac) {
+  if (std::equal(BRIDGE_GROUP_PREFIX.begin(), BRIDGE_GROUP_PREFIX.end(), mac.begin())) return true;
+  return std::any_of(CONTROL_GROUPS.begin(), CONTROL_GROUPS.end(),
+                     [&](const mac_address& g) { return std::equal(g.begin(), g.end(), mac.begin()); });
+}
+
 std::uint32_t da_bits_of(std::span<const std::uint8_t> frame, const parser_port* port) {
-  if (frame[0] & 1) return pkt_decode_da_bits(frame.data());
+  if (frame[0] & 1)
+    return is_control_group(frame.first(ETHER_ADDR_BYTES)) ? DA_BITS_CONTROL_MULTICAST : DA_BITS_MULTICAST;
   const bool ours = port && std::equal(port->router_mac.begin(), port->router_mac.end(), frame.begin());
   return ours ? DA_BITS_UNICAST : DA_BITS_FOREIGN_UNICAST;
 }
@@ -49,7 +62,8 @@ void decode_frame(std::span<const std::uint8_t> frame, const ethernet_view& eth,
       baf::l3_type::set(b, bufhdr_l3_type_mpls_e);
       f.l3 = decode_mpls(l3, eth.ethertype == ETHERTYPE_MPLS_MULTICAST, b);
       break;
-    default: break;
+    default:
+      break;
   }
   f.to_group_mac = std::equal(f.l3.group_mac.begin(), f.l3.group_mac.end(), frame.begin());
 }
@@ -61,18 +75,16 @@ R read_record(const table_memory& mem, std::uint32_t addr) {
   return rec;
 }
 
-// The interface's 20 marks, as the program's pkt_update_ing_mark_bits_base lays them.
-void copy_marks(const table_memory& mem, std::uint32_t uidb_index, baf& b) {
-  const auto rec =
-      read_record<mark_bits_st>(mem, TABLE_BASE_UIDB_MARK_BITS_ING + uidb_index * TABLE_STRIDE_UIDB_MARK_BITS_ING);
+// The interface's 20 marks, high bits first.
+void copy_marks(const table_memory& mem, const parser_interface& i, baf& b) {
+  const auto rec = read_record<mark_bits_st>(mem, i.marks_record);
   const std::uint32_t marks = mark_bits_st::marks::get(rec);
   baf::baf_override_common::mark_bits_high::set(b, marks >> MARK_LOW_BITS);
   baf::baf_override_common::mark_bits_low::set(b, marks);
 }
 
-void copy_port_bits(const table_memory& mem, std::uint32_t port, baf& b) {
-  const auto rec =
-      read_record<ingress_port_fields_part1_st>(mem, TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING);
+void copy_port_bits(const table_memory& mem, const parser_port& port, baf& b) {
+  const auto rec = read_record<ingress_port_fields_part1_st>(mem, port.port_record);
   baf::baf_override_common::portbits::set(b, ingress_port_fields_part1_st::port_bits::get(rec));
 }
 
@@ -139,7 +151,7 @@ std::array<std::uint8_t, DIST_HDR_BYTES> line_parser::parse(const table_memory& 
 frame_class line_parser::classify(const table_memory& mem, std::uint32_t port, std::span<const std::uint8_t> frame,
                                   const parser_port* settings, baf_hdr_ing_st& b) const {
   baf::logical_port::set(b, port);
-  copy_port_bits(mem, port, b);
+  if (settings) copy_port_bits(mem, *settings, b);
   const ethernet_view eth = walk_ethernet(frame);
   frame_class f;
   f.ethertype = eth.ethertype;
@@ -150,7 +162,7 @@ frame_class line_parser::classify(const table_memory& mem, std::uint32_t port, s
   if (i) {
     f.placed = true;
     baf::uidb_index::set(b, i->uidb_index);
-    copy_marks(mem, i->uidb_index, b);
+    copy_marks(mem, *i, b);
   }
   return f;
 }

@@ -23,7 +23,8 @@ namespace model {
 
 struct parser_port {
   mac_address router_mac{};
-  std::uint32_t input_queue = 0;  // 80 to 83: an inject port
+  std::uint32_t input_queue = 0;  // INJECT_QUEUE_FIRST..LAST: an inject port
+  std::uint32_t port_record = 0;  // virtual address of the port's ingress record
 };
 
 // The tags that select an interface on a port: none, one or two VLAN IDs.
@@ -39,6 +40,7 @@ struct parser_interface {
   // An L2 interface takes frames with more tags than its key: the further
   // tags belong to the customer.
   bool takes_further_tags = false;
+  std::uint32_t marks_record = 0;  // virtual address of the interface's ingress marks
 };
 
 class line_parser {

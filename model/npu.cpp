@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "chassis.h"
+#include "flb_defs.h"
 
 namespace model {
 
@@ -15,20 +16,21 @@ namespace {
 // What the rest of a packet-ending response holds: the program must not
 // rely on it.
 constexpr std::uint8_t RESPONSE_POISON = 0xDB;
-constexpr std::uint32_t PKT_END_RESPONSE_BYTES = 128;
 }  // namespace
 
 const char* packet_end_name(packet_end end) {
   switch (end) {
-    case packet_end::freed: return "freed";
-    case packet_end::sent: return "sent";
-    case packet_end::contract_breach: return "contract breach";
+    case packet_end::freed:
+      return "freed";
+    case packet_end::sent:
+      return "sent";
+    case packet_end::contract_breach:
+      return "contract breach";
   }
   return "?";
 }
 
-npu::npu(chassis& owner, std::uint32_t id, const npu_config& cfg)
-    : chassis_(owner), id_(id), flow_order_(cfg.threads) {
+npu::npu(chassis& owner, std::uint32_t id, const npu_config& cfg) : chassis_(owner), id_(id), flow_order_(cfg.threads) {
   for (std::uint32_t i = 0; i < cfg.threads; ++i) {
     auto t = std::make_unique<npu_thread>();
     t->owner = this;

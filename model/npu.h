@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "clock.h"
-#include "dplane/infra/env.h"
 #include "flow_locks.h"
 #include "gpb_engine.h"
 #include "igpu_engine.h"
@@ -29,6 +28,7 @@
 #include "stats_memory.h"
 #include "table_memory.h"
 #include "tcam_engine.h"
+#include "thread_memory.h"
 #include "tlu_cache.h"
 
 namespace model {
@@ -90,6 +90,9 @@ struct npu_thread {
 
   std::uint8_t* pkt_buf() { return pkt_bufs[current_buf].data(); }
 };
+
+// The program's thread entry, which every NPU thread runs; it never returns.
+using thread_entry = void (*)();
 
 struct npu_config {
   std::uint32_t threads = 1;

@@ -8,13 +8,13 @@
 #include <cstdint>
 #include <optional>
 
+#include "tlu_defs.h"
+
 namespace model {
 
 class page_descriptors {
  public:
   static constexpr std::uint32_t COUNT = 64;  // tpd_idx is 6 bits
-  static constexpr std::uint32_t PAGED_MARK = 2;
-  static constexpr std::uint32_t RECORD_MASK = 0xFFFFFF;
 
   struct descriptor {
     std::uint32_t base = 0;         // table-memory address of record 0
@@ -39,8 +39,19 @@ class page_descriptors {
   // The address a TLU read word names: the word itself, or with bit 1 set
   // the paged record (tpd_idx << 26) | (record << 2) | 2.
   std::optional<std::uint32_t> address_of(std::uint32_t word) const {
-    if (!(word & PAGED_MARK)) return word;
-    return record_address(word >> 26, (word >> 2) & RECORD_MASK);
+    if (!tlu_paged_word_st::paged::get(paged_word(word))) return word;
+    return paged_address(word);
+  }
+  // The address of the record that a paged word names, `further` records on.
+  std::optional<std::uint32_t> paged_address(std::uint32_t word, std::uint32_t further = 0) const {
+    const tlu_paged_word_st w = paged_word(word);
+    return record_address(tlu_paged_word_st::tpd_idx::get(w), tlu_paged_word_st::record_idx::get(w) + further);
+  }
+  static std::uint32_t descriptor_of(std::uint32_t word) { return tlu_paged_word_st::tpd_idx::get(paged_word(word)); }
+  static tlu_paged_word_st paged_word(std::uint32_t word) {
+    tlu_paged_word_st w;
+    tlu_paged_word_st::word::set(w, word);
+    return w;
   }
 
  private:

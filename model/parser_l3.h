@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <span>
 
-#include "platform/varn/dist_hdr.h"
+#include "dist_hdr.h"
 
 namespace model {
 

@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <array>
 
-#include "npu/zephra/pkt_decode.h"
-
 namespace model {
 
 namespace {
@@ -53,7 +51,8 @@ vector_choice l3_interface_vector(const baf& b, const frame_class& f) {
       return {true, l3_vector(b, f, mark3::rt_v6::get(b) && mark3::ipv6_en::get(b), IPV6_VECTORS)};
     case bufhdr_l3_type_mpls_e:
       return {true, l3_vector(b, f, mark3::rt_mpls::get(b) && mark3::mpls_en::get(b), MPLS_VECTORS)};
-    default: break;
+    default:
+      break;
   }
   if (is_control_frame(b, f)) return {true, VECTOR_L2_CONTROL};
   return {false, VECTOR_UNPLACED};

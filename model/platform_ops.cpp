@@ -3,8 +3,7 @@
 
 #include <cstdio>
 
-#include "npu/zephra/hash_fns.h"
-#include "npu/zephra/main_loop.h"
+#include "hash_unit.h"
 #include "power.h"
 
 namespace model {
@@ -16,11 +15,11 @@ thread_local npu_thread* tls_thread = nullptr;
 npu_thread& current_thread() { return *tls_thread; }
 
 // A trapped thread gives up its packet and starts over from its entry.
-void run_npu_thread(npu_thread& t) {
+void run_npu_thread(npu_thread& t, thread_entry entry) {
   tls_thread = &t;
   for (;;) {
     try {
-      power_fwcore_main();
+      entry();
     } catch (const thread_stop&) {
       break;
     } catch (const thread_trap&) {
@@ -52,15 +51,24 @@ std::uint32_t power_rdc(std::uint32_t cop) {
   model::npu_thread& t = current_thread();
   model::npu& n = *t.owner;
   switch (cop) {
-    case COP_THREAD_IDENTITY: return t.identity;
-    case COP_HASH_RESULT: return hash_unit_final({t.hash_inputs[0], t.hash_inputs[1], t.hash_inputs[2]});
-    case COP_RANDOM: return static_cast<std::uint32_t>(t.random());
-    case COP_TIME_SECONDS: return n.clock().read_seconds();
-    case COP_TIME_LOW: return n.clock().read_low();
-    case COP_ROUTER_ID: return n.router_id();
-    case COP_GLOBAL_CONFIG: return n.global_config();
-    case COP_DROP_CAPTURE: return n.drop_capture();
-    default: break;
+    case COP_THREAD_IDENTITY:
+      return t.identity;
+    case COP_HASH_RESULT:
+      return model::hash_unit_answer(t.hash_inputs);
+    case COP_RANDOM:
+      return static_cast<std::uint32_t>(t.random());
+    case COP_TIME_SECONDS:
+      return n.clock().read_seconds();
+    case COP_TIME_LOW:
+      return n.clock().read_low();
+    case COP_ROUTER_ID:
+      return n.router_id();
+    case COP_GLOBAL_CONFIG:
+      return n.global_config();
+    case COP_DROP_CAPTURE:
+      return n.drop_capture();
+    default:
+      break;
   }
   n.breach(t, "read of coprocessor register " + std::to_string(cop) + ", which nothing serves");
   return 0;
@@ -69,11 +77,20 @@ std::uint32_t power_rdc(std::uint32_t cop) {
 void power_wdc(std::uint32_t data, std::uint32_t cop) {
   model::npu_thread& t = current_thread();
   switch (cop) {
-    case COP_HASH_A: t.hash_inputs[0] = data; return;
-    case COP_HASH_B: t.hash_inputs[1] = data; return;
-    case COP_HASH_C: t.hash_inputs[2] = data; return;
-    case COP_DMA_COMMAND: model::execute_dma(t, data); return;
-    default: break;
+    case COP_HASH_A:
+      t.hash_inputs[0] = data;
+      return;
+    case COP_HASH_B:
+      t.hash_inputs[1] = data;
+      return;
+    case COP_HASH_C:
+      t.hash_inputs[2] = data;
+      return;
+    case COP_DMA_COMMAND:
+      model::execute_dma(t, data);
+      return;
+    default:
+      break;
   }
   t.owner->breach(t, "write of coprocessor register " + std::to_string(cop) + ", which nothing serves");
 }
@@ -106,8 +123,8 @@ void power_dbg_lookup_request(std::uint32_t lookup_id, const char* name, std::ui
   if (!broke.empty()) t.owner->breach(t, broke);
 }
 
-void power_dbg_lookup_result(std::uint32_t, const char* name, std::uint32_t owner_id,
-                             const char* owner_name, std::uint32_t res_loc, std::uint32_t res_size) {
+void power_dbg_lookup_result(std::uint32_t, const char* name, std::uint32_t owner_id, const char* owner_name,
+                             std::uint32_t res_loc, std::uint32_t res_size) {
   model::npu_thread& t = current_thread();
   const std::string broke = t.lookups.result(name, owner_id, owner_name, res_loc, res_size);
   if (!broke.empty()) t.owner->breach(t, broke);

@@ -7,8 +7,9 @@
 
 namespace model {
 
-// Entry of a host thread that plays an NPU thread.
-void run_npu_thread(npu_thread& t);
+// Entry of a host thread that plays an NPU thread: it runs the program's
+// thread entry, again after each trap, until the thread is stopped.
+void run_npu_thread(npu_thread& t, thread_entry entry);
 // The NPU thread the calling host thread plays.
 npu_thread& current_thread();
 

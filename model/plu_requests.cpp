@@ -19,7 +19,7 @@ std::optional<Key> key_as(std::span<const std::uint8_t> key) {
 
 ip_bytes ipv4_bytes(std::uint32_t a) {
   ip_bytes b{};
-  for (int i = 0; i < 4; ++i) b[i] = static_cast<std::uint8_t>(a >> (24 - 8 * i));
+  reinterpret_cast<be_u32*>(b.data())->set(a);
   return b;
 }
 
@@ -110,12 +110,15 @@ std::string serve_plu_key(npu_thread& t, std::span<const std::uint8_t> key, std:
   switch (key[0]) {
     case PLU_IPV4_UNICAST:
     case PLU_IPV6_UNICAST:
-    case PLU_IPV6_LL_UNICAST: return route(t, key, resp);
+    case PLU_IPV6_LL_UNICAST:
+      return route(t, key, resp);
     case PLU_IPV4_SG_VRF:
     case PLU_IPV6_SG_VRF:
     case PLU_L2M4_SG:
-    case PLU_L2M6_SG: return group(t, key, resp);
-    default: break;
+    case PLU_L2M6_SG:
+      return group(t, key, resp);
+    default:
+      break;
   }
   return "PLU key code " + std::to_string(key[0]) + ", which nothing serves";
 }
@@ -123,8 +126,7 @@ std::string serve_plu_key(npu_thread& t, std::span<const std::uint8_t> key, std:
 void execute_plu(dma_request& r) {
   const dma_cmd& c = r.cmd();
   std::uint8_t* resp = r.response();
-  const std::string broke =
-      serve_plu_key(r.thread(), {r.bytes_from(0), c.req_bytes}, {resp, resp ? c.resp_bytes : 0});
+  const std::string broke = serve_plu_key(r.thread(), {r.bytes_from(0), c.req_bytes}, {resp, resp ? c.resp_bytes : 0});
   if (!broke.empty()) r.breach(broke);
 }
 

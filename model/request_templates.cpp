@@ -1,18 +1,5 @@
-// The request templates behind power_qrsc. The command word is word 0 of the
-// request; the rest of the request stands in the request cell behind it.
-//
-//   table 0 entry 0       hash bucket: 16 bytes at cmd + (num mod denom) * 16
-//   table 0 entries 1-4   TLU read of 8, 16, 32, 4 bytes with cache allocation;
-//                         entries 6, 7: 16, 32 bytes without. The command is
-//                         an address, or with bit 1 set a paged record
-//   table 0 entry 8       statistics pair: one packet, the count at byte 8
-//   table 0 entry 9       4-byte increment of the counter at physical cmd
-//   table 0 entry 10      global counter
-//   table 1 entries 8, 9  paged read of the record num mod denom after
-//                         record_index: remainder block, then 16 or 32 bytes
-//   table 1 entries 11,12 PLU search of an IPv4 or IPv6 route: the command is
-//                         the key's first word (code, VRF, first address
-//                         byte), the rest of the address follows in the cell
+// The NPU's side of the request templates (request_templates.def): what each
+// one does with the command word and the request cell.
 #include <array>
 #include <cstdio>
 #include <cstring>
@@ -20,10 +7,11 @@
 #include <span>
 #include <string>
 
-#include "dma_defs.h"
 #include "platform_ops.h"
 #include "plu_defs.h"
 #include "plu_requests.h"
+#include "request_templates.h"
+#include "stats_defs.h"
 #include "stats_engine.h"
 #include "tlu_engine.h"
 
@@ -34,19 +22,7 @@ namespace {
 constexpr std::uint32_t DMA_REACH = 1024;
 constexpr std::uint32_t CELL_BYTES = 16;
 constexpr std::uint32_t RESPONSE_UNIT = 8;
-constexpr std::uint32_t MOD_HEADER_BYTES = 16;
 constexpr std::uint32_t BUCKET_BYTES = 16;
-
-std::uint32_t load_be32(const std::uint8_t* p) {
-  return (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) | (std::uint32_t{p[2]} << 8) | p[3];
-}
-
-void store_be32(std::uint8_t* p, std::uint32_t v) {
-  for (int i = 3; i >= 0; --i) {
-    p[i] = static_cast<std::uint8_t>(v);
-    v >>= 8;
-  }
-}
 
 std::string hex(std::uint32_t v) {
   char buf[16];
@@ -62,7 +38,11 @@ class template_request {
 
   std::uint32_t cmd() const { return cmd_; }
   // Word i of the request; word 0 is the command itself.
-  std::uint32_t word(std::uint32_t i) const { return load_be32(t_.dmem.data() + req_ + 4 * i); }
+  // The request as record R; word 0 stands for the command.
+  template <class R>
+  const R& record() const {
+    return *reinterpret_cast<const R*>(t_.dmem.data() + req_);
+  }
   // Request bytes from `offset` on; a request may run on past its cell.
   void copy_request(std::uint32_t offset, std::span<std::uint8_t> out) const {
     std::memcpy(out.data(), t_.dmem.data() + req_ + offset, out.size());
@@ -94,7 +74,8 @@ class template_request {
 };
 
 void no_descriptor(template_request& r, std::uint32_t word) {
-  r.breach("paged read through table page descriptor " + std::to_string(word >> 26) + ", which is not set");
+  r.breach("paged read through table page descriptor " + std::to_string(page_descriptors::descriptor_of(word)) +
+           ", which is not set");
 }
 
 // Reads with allocation go through the TLU cache.
@@ -108,14 +89,14 @@ void tlu_read(template_request& r, std::uint32_t bytes, allocation a) {
   }
 }
 
-// The numerator and denominator stand at bytes 12 and 8 of the request.
 struct modulus {
   std::uint32_t rem;
   std::uint32_t quot;
 };
 std::optional<modulus> modulus_of(template_request& r) {
-  const std::uint32_t denom = r.word(2);
-  const std::uint32_t num = r.word(3);
+  const auto& req = r.record<tlu_mod_request_st>();
+  const std::uint32_t denom = tlu_mod_request_st::denom::get(req);
+  const std::uint32_t num = tlu_mod_request_st::num::get(req);
   if (denom == 0) {
     r.breach("read with modulus by a denominator of 0");
     return std::nullopt;
@@ -126,14 +107,14 @@ std::optional<modulus> modulus_of(template_request& r) {
 void mod_read(template_request& r, std::uint32_t record_bytes) {
   const auto m = modulus_of(r);
   if (!m) return;
-  const std::uint32_t record = ((r.cmd() >> 2) & page_descriptors::RECORD_MASK) + m->rem;
-  const auto vaddr = r.owner().pages().record_address(r.cmd() >> 26, record);
+  const auto vaddr = r.owner().pages().paged_address(r.cmd(), m->rem);
   if (!vaddr) return no_descriptor(r, r.cmd());
-  std::uint8_t* resp = r.response(MOD_HEADER_BYTES + record_bytes);
+  std::uint8_t* resp = r.response(sizeof(npu_mod_fields_st) + record_bytes);
   if (!resp) return;
-  store_be32(resp, m->rem);
-  store_be32(resp + 4, m->quot);
-  tlu_read_virtual(r.owner(), *vaddr, {resp + MOD_HEADER_BYTES, record_bytes}, true);  // with allocation
+  auto& answer = *reinterpret_cast<npu_mod_fields_st*>(resp);
+  npu_mod_fields_st::mod_rem::set(answer, m->rem);
+  npu_mod_fields_st::mod_quot::set(answer, m->quot);
+  tlu_read_virtual(r.owner(), *vaddr, {resp + sizeof(npu_mod_fields_st), record_bytes}, true);  // with allocation
 }
 
 void bucket_read(template_request& r) {
@@ -149,7 +130,7 @@ void bucket_read(template_request& r) {
 void plu_search(template_request& r, std::uint8_t code, std::uint32_t key_bytes) {
   if (r.cmd() >> 24 != code) return r.breach("PLU search of key code " + std::to_string(r.cmd() >> 24));
   std::array<std::uint8_t, 20> key{};
-  store_be32(key.data(), r.cmd());
+  reinterpret_cast<be_u32*>(key.data())->set(r.cmd());
   r.copy_request(4, {key.data() + 4, key_bytes - 4});
   std::uint8_t* resp = r.response(PLU_SEARCH_RESP_BYTES);
   if (!resp) return;
@@ -165,21 +146,36 @@ void execute_template(npu_thread& t, std::uint32_t table, std::uint32_t entry, s
                       std::uint32_t req_cell, std::uint32_t res_cell) {
   template_request r(t, table, entry, cmd, req_cell, res_cell);
   switch (rtt_index(table, entry)) {
-    case rtt_index(0, 0): return bucket_read(r);
-    case rtt_index(0, 1): return tlu_read(r, 8, allocation::cached);
-    case rtt_index(0, 2): return tlu_read(r, 16, allocation::cached);
-    case rtt_index(0, 3): return tlu_read(r, 32, allocation::cached);
-    case rtt_index(0, 4): return tlu_read(r, 4, allocation::cached);
-    case rtt_index(0, 6): return tlu_read(r, 16, allocation::uncached);
-    case rtt_index(0, 7): return tlu_read(r, 32, allocation::uncached);
-    case rtt_index(0, 8): return stats_add(t, cmd, r.word(2));
-    case rtt_index(0, 9): return counter_increment(r);
-    case rtt_index(0, 10): return stats_count_global(t, cmd);
-    case rtt_index(1, 8): return mod_read(r, 16);
-    case rtt_index(1, 9): return mod_read(r, 32);
-    case rtt_index(1, 11): return plu_search(r, PLU_IPV4_UNICAST, sizeof(plu_ipv4_unicast_key_st));
-    case rtt_index(1, 12): return plu_search(r, PLU_IPV6_UNICAST, sizeof(plu_ipv6_unicast_key_st));
-    default: break;
+    case RTT_HASH_BUCKET:
+      return bucket_read(r);
+    case RTT_TLU_READ_8B:
+      return tlu_read(r, 8, allocation::cached);
+    case RTT_TLU_READ_16B:
+      return tlu_read(r, 16, allocation::cached);
+    case RTT_TLU_READ_32B:
+      return tlu_read(r, 32, allocation::cached);
+    case RTT_TLU_READ_4B:
+      return tlu_read(r, 4, allocation::cached);
+    case RTT_TLU_READ_16B_NO_ALLOC:
+      return tlu_read(r, 16, allocation::uncached);
+    case RTT_TLU_READ_32B_NO_ALLOC:
+      return tlu_read(r, 32, allocation::uncached);
+    case RTT_STATS_PAIR:
+      return stats_add(t, cmd, r.record<stats_add_request_st>().count);
+    case RTT_COUNTER_INCREMENT:
+      return counter_increment(r);
+    case RTT_GLOBAL_COUNTER:
+      return stats_count_global(t, cmd);
+    case RTT_MOD_READ_16B:
+      return mod_read(r, 16);
+    case RTT_MOD_READ_32B:
+      return mod_read(r, 32);
+    case RTT_PLU_IPV4_SEARCH:
+      return plu_search(r, PLU_IPV4_UNICAST, sizeof(plu_ipv4_unicast_key_st));
+    case RTT_PLU_IPV6_SEARCH:
+      return plu_search(r, PLU_IPV6_UNICAST, sizeof(plu_ipv6_unicast_key_st));
+    default:
+      break;
   }
   r.breach("nothing serves it");
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "dma_defs.h"
+#include "stats_defs.h"
 
 namespace model {
 
@@ -15,13 +16,6 @@ std::string hex(paddr_t v) {
   return buf;
 }
 
-void store_be(std::uint8_t* p, unsigned width, std::uint64_t v) {
-  for (unsigned i = width; i-- > 0;) {
-    p[i] = static_cast<std::uint8_t>(v);
-    v >>= 8;
-  }
-}
-
 // Global counters bumped while a thread holds a packet go on its outcome.
 void bump(npu_thread& t, std::uint32_t index) {
   t.owner->stats().bump_global(index);
@@ -29,13 +23,14 @@ void bump(npu_thread& t, std::uint32_t index) {
 }
 
 void respond(std::uint8_t* resp, std::uint32_t resp_bytes, const stats_entry& e) {
-  if (!resp || resp_bytes < 8) return;
-  store_be(resp, 4, e.packets & 0xFFFFFFFF);
-  store_be(resp + 4, 4, e.bytes & 0xFFFFFFFF);
+  if (!resp || resp_bytes < sizeof(stats_counter_pair_st)) return;
+  auto& pair = *reinterpret_cast<stats_counter_pair_st*>(resp);
+  pair.packets = static_cast<std::uint32_t>(e.packets);
+  pair.bytes = static_cast<std::uint32_t>(e.bytes);
 }
 
 void respond(std::uint8_t* resp, std::uint32_t resp_bytes, std::uint64_t count) {
-  if (resp && resp_bytes >= 8) store_be(resp, 8, count);
+  if (resp && resp_bytes >= sizeof(be_u64)) reinterpret_cast<be_u64*>(resp)->set(count);
 }
 
 }  // namespace
@@ -74,7 +69,8 @@ void stats_memory_op(npu_thread& t, std::uint32_t opcode, paddr_t addr, std::uin
     case MEM_OP_READ_CLR_8B:
       if (global) return respond(resp, resp_bytes, mem.read_clear_global(*global));
       return respond(resp, resp_bytes, mem.read_clear(*entry));
-    default: break;
+    default:
+      break;
   }
   t.owner->breach(t, "memory opcode " + hex(opcode) + " on statistics memory at " + hex(addr) +
                          ", which the statistics engine does not serve");

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstring>
 
+#include "memory_word.h"
+
 namespace model {
 
 struct table_memory::page {
@@ -72,32 +74,30 @@ void table_memory::read_clear(paddr_t addr, std::span<std::uint8_t> out) {
 
 namespace {
 
-std::uint64_t load_word(const std::uint8_t* p, unsigned width) {
-  std::uint64_t v = 0;
-  for (unsigned i = 0; i < width; ++i) v = (v << 8) | p[i];
-  return v;
-}
-
-void store_word(std::uint8_t* p, unsigned width, std::uint64_t v) {
-  for (unsigned i = width; i-- > 0;) {
-    p[i] = static_cast<std::uint8_t>(v);
-    v >>= 8;
-  }
-}
-
 std::uint64_t apply(rmw_op op, std::uint64_t old, std::uint64_t operand, std::uint64_t mask) {
   switch (op) {
-    case rmw_op::add: return (old + operand) & mask;
-    case rmw_op::bit_or: return old | operand;
-    case rmw_op::bit_and: return old & operand;
-    case rmw_op::bit_xor: return old ^ operand;
-    case rmw_op::nor: return ~(old | operand) & mask;
-    case rmw_op::nand: return ~(old & operand) & mask;
-    case rmw_op::xnor: return ~(old ^ operand) & mask;
-    case rmw_op::bit_not: return ~old & mask;
-    case rmw_op::write: return operand & mask;
-    case rmw_op::cond_sub: return old >= operand ? old - operand : old;
-    case rmw_op::inc_wrap: return (old + 1 >= operand) ? 0 : old + 1;
+    case rmw_op::add:
+      return (old + operand) & mask;
+    case rmw_op::bit_or:
+      return old | operand;
+    case rmw_op::bit_and:
+      return old & operand;
+    case rmw_op::bit_xor:
+      return old ^ operand;
+    case rmw_op::nor:
+      return ~(old | operand) & mask;
+    case rmw_op::nand:
+      return ~(old & operand) & mask;
+    case rmw_op::xnor:
+      return ~(old ^ operand) & mask;
+    case rmw_op::bit_not:
+      return ~old & mask;
+    case rmw_op::write:
+      return operand & mask;
+    case rmw_op::cond_sub:
+      return old >= operand ? old - operand : old;
+    case rmw_op::inc_wrap:
+      return (old + 1 >= operand) ? 0 : old + 1;
   }
   return old;
 }
@@ -119,15 +119,15 @@ std::uint64_t table_memory::rmw(paddr_t addr, unsigned width, rmw_op op, std::ui
 }
 
 std::uint32_t table_memory::read_u32(paddr_t addr) const {
-  std::array<std::uint8_t, 4> b{};
-  read(addr, b);
-  return static_cast<std::uint32_t>(load_word(b.data(), 4));
+  be_u32 w;
+  read(addr, w.b);
+  return w.get();
 }
 
 void table_memory::write_u32(paddr_t addr, std::uint32_t v) {
-  std::array<std::uint8_t, 4> b{};
-  store_word(b.data(), 4, v);
-  write(addr, b);
+  be_u32 w;
+  w.set(v);
+  write(addr, w.b);
 }
 
 void table_memory::map_range(std::uint32_t vaddr, std::uint32_t size, paddr_t paddr) {

@@ -14,11 +14,16 @@ constexpr std::uint32_t PAGED_WORD_LOW_BITS = 3;
 // Bytes a modulus command reads, by the high nibble of its command byte.
 std::optional<std::uint32_t> mod_read_bytes(std::uint32_t cmd) {
   switch (cmd >> 4) {
-    case 0: return 0;
-    case TLU_MOD_READ_4B >> 4: return 4;
-    case TLU_MOD_READ_16B >> 4: return 16;
-    case TLU_MOD_READ_32B >> 4: return 32;
-    default: return std::nullopt;
+    case 0:
+      return 0;
+    case TLU_MOD_READ_4B >> 4:
+      return 4;
+    case TLU_MOD_READ_16B >> 4:
+      return 16;
+    case TLU_MOD_READ_32B >> 4:
+      return 32;
+    default:
+      return std::nullopt;
   }
 }
 
@@ -27,7 +32,7 @@ std::optional<std::uint32_t> member_address(dma_request& r, std::uint32_t cmd, s
                                             std::uint32_t record_bytes) {
   const std::uint32_t w1 = r.word(1);
   if (!(cmd & TLU_MOD_PAGED)) return w1 + rem * record_bytes;
-  return r.owner().pages().record_address(w1 >> 26, ((w1 >> 2) & page_descriptors::RECORD_MASK) + rem);
+  return r.owner().pages().paged_address(w1, rem);
 }
 
 // Word 2 the denominator, word 3 the numerator. The answer is the remainder
@@ -48,8 +53,9 @@ void modulus(dma_request& r) {
   if (!member) return r.breach("TLU modulus read through a table page descriptor that is not set");
   std::uint8_t* resp = r.response();
   if (header) {
-    store_be(resp, 4, rem);
-    store_be(resp + 4, 4, num / denom);
+    auto& answer = *reinterpret_cast<tlu_long_div_rmr_response_*>(resp);
+    tlu_long_div_rmr_response_::mod_rem::set(answer, rem);
+    tlu_long_div_rmr_response_::mod_quot::set(answer, num / denom);
   }
   tlu_read_virtual(r.owner(), *member, {resp + header, *read_bytes}, !(cmd & TLU_MOD_NO_ALLOCATE));
 }
@@ -57,15 +63,16 @@ void modulus(dma_request& r) {
 void translate(dma_request& r) {
   const paddr_t p = r.owner().memory().translate(r.word(1));
   if (std::uint8_t* resp = r.response()) {
-    store_be(resp, 4, (p >> 32) & 0xFF);
-    store_be(resp + 4, 4, p & 0xFFFFFFFF);
+    auto& answer = *reinterpret_cast<tlu_long_tmulpa_response_*>(resp);
+    tlu_long_tmulpa_response_::ppnh::set(answer, static_cast<std::uint32_t>(p >> 32));
+    tlu_long_tmulpa_response_::ppnl::set(answer, static_cast<std::uint32_t>(p));
   }
 }
 
 // A descriptor that is not set answers with the descriptor error bit.
 void translate_paged(dma_request& r) {
   const std::uint32_t w1 = r.word(1);
-  const auto vaddr = r.owner().pages().record_address(w1 >> 26, (w1 >> 2) & page_descriptors::RECORD_MASK);
+  const auto vaddr = r.owner().pages().paged_address(w1);
   std::uint8_t* resp = r.response();
   if (!resp) return;
   tlu_long_tps_lpa_response_ out{};
@@ -90,7 +97,8 @@ void execute_tlu_read(dma_request& r) {
   const std::uint32_t size = 4u << (index % TLU_READ_NO_ALLOCATE_OFFSET);
   const auto vaddr = r.owner().pages().address_of(r.word(0));
   if (!vaddr) {
-    return r.breach("TLU read through table page descriptor " + std::to_string(r.word(0) >> 26) + ", which is not set");
+    return r.breach("TLU read through table page descriptor " +
+                    std::to_string(page_descriptors::descriptor_of(r.word(0))) + ", which is not set");
   }
   if (std::uint8_t* resp = r.response()) {
     const bool allocate = index < TLU_READ_NO_ALLOCATE_OFFSET;

@@ -9,14 +9,10 @@
 #include <vector>
 
 #include "dma_request.h"
+#include "flb_defs.h"
 
 namespace model {
 
-inline constexpr std::uint32_t GATHER_CMD_MASK = 0xFFFF;
-inline constexpr std::uint32_t GATHER_INGRESS = 0x0F13;
-inline constexpr std::uint32_t GATHER_LOOPBACK = 0x0F12;
-inline constexpr std::uint32_t GATHER_KEEP_BIT = 0x800000;
-inline constexpr std::uint32_t GATHER_IGPB_LINE_BIT = 0x40000000;
 inline constexpr std::uint32_t SERVICE_LOOPBACK_SHIM_BYTES = 7;
 
 bool is_gather_request(std::uint32_t word0);

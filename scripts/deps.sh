@@ -6,7 +6,7 @@ sudo_cmd=""
 export DEBIAN_FRONTEND=noninteractive
 $sudo_cmd apt-get update -qq
 $sudo_cmd apt-get install -y -qq --no-install-recommends \
-  cmake g++ make pkg-config python3 \
+  cmake g++ make pkg-config python3 git \
   clang libclang-rt-14-dev clang-format \
   libgtest-dev libgmock-dev libbenchmark-dev \
   libpcap-dev libtins-dev libcli11-dev libyaml-cpp-dev libfmt-dev \

@@ -14,10 +14,6 @@ using cf = common_flags_st;
 using cf2 = common_flags2_st;
 
 constexpr std::uint32_t FREE_REQ_LOC = 0x20;
-// By the ingress bit (bit 7 of distribution byte 0): word 0 of the free
-// request.
-constexpr std::uint32_t FREE_CMD_INGRESS = 0x00000C14;
-constexpr std::uint32_t FREE_CMD_EGRESS = 0x00000C15;
 constexpr std::uint32_t KEEP_REQ_LOC = 0x210;
 
 // Capture register fields.
@@ -89,13 +85,15 @@ void npu_drop_packet_guts(env_t env) {
     lookup_request_ID_STATS_INC_GLB_CNT__DEBUG(env, ingress ? CNT_TRACED_DROP_INGRESS : CNT_TRACED_DROP_EGRESS);
   }
   be_u32* req = dma_cell_words(env, FREE_REQ_LOC);
-  req[0] = ingress ? FREE_CMD_INGRESS : FREE_CMD_EGRESS;
+  req[0] = ingress ? FLB_CMD_FREE_INGRESS : FLB_CMD_FREE_EGRESS;
   req[1] = 0;
   req[2] = pkt_rx_gpm_pkt_handle(env) << 16;
   dma_flush_initiate_and_wait(env, dma_build_cmd(RES_FLB, FREE_REQ_LOC, 12, 0, PKT_END_RESPONSE_BYTES));
 }
 
-void npu_drop_keep_packet(env_t env) { dma_flowlock_convert(env, *ps_get_next_flowlock_id(env), KEEP_REQ_LOC, KEEP_REQ_LOC); }
+void npu_drop_keep_packet(env_t env) {
+  dma_flowlock_convert(env, *ps_get_next_flowlock_id(env), KEEP_REQ_LOC, KEEP_REQ_LOC);
+}
 
 void npu_drop_capture_inline(env_t env, std::uint32_t drop_reason, const std::uint8_t* pkt_start) {
   const std::uint32_t filter = RDC(COP_DROP_CAPTURE);

@@ -11,21 +11,17 @@
 
 #include "fwc_types.h"
 #include "ps_records.h"
+#include "thread_memory.h"
 
-inline constexpr std::uint32_t DMEM_SIZE = 2048;
-inline constexpr std::uint32_t DMEM_DIST_HDR_SIZE = 32;
 inline constexpr std::uint32_t DMEM_CELL_SIZE = 16;
 inline constexpr std::uint32_t DMEM_PS_OFFSET = 0x400;
 inline constexpr std::uint32_t DMEM_FLAGS_OFFSET = 0x7F4;
 
-// Packet buffer: packet memory starts 4096 bytes into the buffer; the packet
-// arrives 160 bytes into packet memory.
-inline constexpr std::uint32_t PKT_BUF_HEAD_ROOM = 4096;
+// Areas of packet memory ahead of the packet (thread_memory.h places it).
 inline constexpr std::uint32_t PKT_ING_SAVE_AREA_OFFSET = 48;
 inline constexpr std::uint32_t PKT_ING_SAVE_AREA_SIZE = 64;
 inline constexpr std::uint32_t PKT_EGR_SECOND_ENCAP_OFFSET = 112;
 inline constexpr std::uint32_t PKT_EGR_SECOND_ENCAP_SIZE = 48;
-inline constexpr std::uint32_t PKT_START_OFFSET = 160;
 
 #define PS_DMEM(name, type) type f_##name;
 #define PS_TLM(name, type)
@@ -59,7 +55,6 @@ static_assert(offsetof(env_st, common_flags) == 0x7F8);
 
 // Thread-local memory: the fields, then the lookup results placed there.
 inline constexpr std::uint32_t TLM_FIELDS_SIZE = 1024;
-inline constexpr std::uint32_t TLM_SIZE = 4096;
 static_assert(sizeof(ps_tlm_fields) <= TLM_FIELDS_SIZE);
 
 inline std::uint8_t* env_get_dmem_start(env_t env) { return reinterpret_cast<std::uint8_t*>(env); }

@@ -17,9 +17,6 @@ constexpr std::uint32_t BY_ADDRESS_NUM = 0;
 constexpr std::uint32_t BY_ADDRESS_DENOM = 1;
 constexpr std::uint32_t READ_16B = 16;
 constexpr std::uint32_t READ_32B = 32;
-constexpr std::uint32_t RTT_READ_16B = rtt_index(0, 2);
-constexpr std::uint32_t RTT_READ_32B = rtt_index(0, 3);
-constexpr std::uint32_t RTT_READ_16B_UNCACHED = rtt_index(0, 6);
 // The modulus of the caller's space: request at 0x020, answer at 0. The
 // first 64 bytes of data memory are put back behind it.
 constexpr std::uint32_t MOD_REQ_CELL = 0x020;
@@ -27,7 +24,7 @@ constexpr std::uint32_t MOD_RESP_CELL = 0x000;
 constexpr std::uint32_t MOD_BORROWED_BYTES = 64;
 
 void read_by_address(memaddr_t addr, std::uint32_t loc, std::uint32_t bytes) {
-  qrsc(bytes == READ_32B ? RTT_READ_32B : RTT_READ_16B, addr, loc, loc);
+  qrsc(bytes == READ_32B ? RTT_TLU_READ_32B : RTT_TLU_READ_16B, addr, loc, loc);
 }
 
 void set_rc(hash_search_context_st* context, hash_search_rc_t rc) { context->rc = rc; }
@@ -76,8 +73,8 @@ void scan_chain(env_t env, const hash_search_desc_st& d, hash_search_context_st*
 void match_single_entry(env_t env, const hash_search_desc_st& d, const void* key, hash_search_context_st* context,
                         const bucket_t& b) {
   hash_request_result(env, d, bucket_t::single_hash_entry_addr::get(b));
-  const bool same = bucket_t::hash_tbl_id::get(b) == d.table.hash_tbl_id &&
-                    compare_8B(bucket_t::key_single_elt::data(b), key);
+  const bool same =
+      bucket_t::hash_tbl_id::get(b) == d.table.hash_tbl_id && compare_8B(bucket_t::key_single_elt::data(b), key);
   set_rc(context, same ? HASH_SEARCH_RC_MATCH_NO_KEY_COMPARE : HASH_SEARCH_RC_NO_MATCH_INTERNAL_KEY_COMPARE);
 }
 
@@ -86,12 +83,12 @@ void match_single_entry(env_t env, const hash_search_desc_st& d, const void* key
 void hash_request_bucket_0(env_t env, const hash_search_desc_st& d, std::uint32_t index, std::uint32_t num,
                            std::uint32_t denom) {
   lookup_dbg_note_request(env, d.bucket_0, d.bucket_cell, HASH_BUCKET_BYTES, d.bucket_cell, HASH_BUCKET_BYTES);
-  lookup_mod_request(env, rtt_index(0, 0), d.table.bucket_base + index * HASH_BUCKET_BYTES, num, denom, d.bucket_cell);
+  lookup_mod_request(env, RTT_HASH_BUCKET, d.table.bucket_base + index * HASH_BUCKET_BYTES, num, denom, d.bucket_cell);
 }
 
 void hash_request_bucket_1(env_t env, const hash_search_desc_st& d, memaddr_t bucket_addr) {
   lookup_dbg_note_request(env, d.bucket_1, d.bucket_cell, HASH_BUCKET_BYTES, d.bucket_cell, HASH_BUCKET_BYTES);
-  lookup_mod_request(env, rtt_index(0, 0), bucket_addr, BY_ADDRESS_NUM, BY_ADDRESS_DENOM, d.bucket_cell);
+  lookup_mod_request(env, RTT_HASH_BUCKET, bucket_addr, BY_ADDRESS_NUM, BY_ADDRESS_DENOM, d.bucket_cell);
 }
 
 // A key longer than one read comes in 32-byte reads to consecutive cells,
@@ -169,7 +166,7 @@ home_bucket_st home_bucket(env_t env, const hash_search_desc_st& d, void* key, m
 void request_home_bucket(env_t env, const hash_search_desc_st& d, hash_search_context_st* context,
                          const home_bucket_st& home) {
   lookup_dbg_note_request(env, d.bucket_0, d.bucket_cell, 0, d.bucket_cell, HASH_BUCKET_BYTES);
-  qrsc(RTT_READ_16B_UNCACHED, home.addr, d.bucket_cell, d.bucket_cell);
+  qrsc(RTT_TLU_READ_16B_NO_ALLOC, home.addr, d.bucket_cell, d.bucket_cell);
   context->bucket_hash_value = home.hash >> SIGNATURE_SHIFT;
   ext_of(context).bucket_addr = home.addr;
   ext_of(context).prev_bucket_addr = (home.number & 1) ? home.addr - HASH_BUCKET_BYTES : 0;
@@ -177,8 +174,8 @@ void request_home_bucket(env_t env, const hash_search_desc_st& d, hash_search_co
 
 }  // namespace
 
-void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key,
-                                  hash_search_context_st* context, memaddr_t base_addr) {
+void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context,
+                                  memaddr_t base_addr) {
   request_home_bucket(env, d, context, home_bucket(env, d, key, base_addr));
 }
 
@@ -210,10 +207,13 @@ void hash_search_part_2_from(env_t env, const hash_search_desc_st& d, hash_searc
 hash_search_rc_t hash_search_part_3(env_t env, const hash_search_desc_st& d, void* key,
                                     hash_search_context_st* context) {
   switch (hash_search_rc(*context)) {
-    case HASH_SEARCH_RC_MATCH_NO_KEY_COMPARE: return HASH_SEARCH_RC_MATCH;
+    case HASH_SEARCH_RC_MATCH_NO_KEY_COMPARE:
+      return HASH_SEARCH_RC_MATCH;
     case HASH_SEARCH_RC_NO_MATCH_INTERNAL_KEY_COMPARE:
-    case HASH_SEARCH_RC_NO_MATCH: return HASH_SEARCH_RC_NO_MATCH;
-    case HASH_SEARCH_RC_MATCH: return hash_search_part_3_multiple_entry(env, d, key, context);
+    case HASH_SEARCH_RC_NO_MATCH:
+      return HASH_SEARCH_RC_NO_MATCH;
+    case HASH_SEARCH_RC_MATCH:
+      return hash_search_part_3_multiple_entry(env, d, key, context);
   }
   return HASH_SEARCH_RC_NO_MATCH;
 }

@@ -31,11 +31,11 @@ constexpr std::uint32_t lookup_mod_word(std::uint32_t tpd_idx, std::uint32_t rec
 
 // A read with modulus: the denominator at byte 8 of the cell, the numerator
 // at byte 12; the answer (remainder block, then the record) lands over it.
-inline void lookup_mod_request(env_t env, std::uint32_t rtt, std::uint32_t cmd, std::uint32_t num,
-                               std::uint32_t denom, std::uint32_t loc) {
-  be_u32* w = dma_cell_words(env, loc);
-  w[2] = denom;
-  w[3] = num;
+inline void lookup_mod_request(env_t env, std::uint32_t rtt, std::uint32_t cmd, std::uint32_t num, std::uint32_t denom,
+                               std::uint32_t loc) {
+  auto& req = *reinterpret_cast<tlu_mod_request_st*>(dma_cell_words(env, loc));
+  tlu_mod_request_st::denom::set(req, denom);
+  tlu_mod_request_st::num::set(req, num);
   qrsc(rtt, cmd, loc, loc);
 }
 

@@ -9,9 +9,13 @@
 
 std::uint32_t dma_build_cmd(std::uint32_t resource_id, std::uint32_t req_loc, std::uint32_t req_size,
                             std::uint32_t resp_loc, std::uint32_t resp_size) {
-  return (resource_id << DMA_CMD_RESOURCE_SHIFT) | (((resp_size + 7) / 8) << DMA_CMD_RESP_SIZE_SHIFT) |
-         ((resp_loc / 16) << DMA_CMD_RESP_LOC_SHIFT) | (((req_size + 3) / 4) << DMA_CMD_REQ_SIZE_SHIFT) |
-         (req_loc / 16);
+  dma_cmd_st c{};
+  dma_cmd_st::resource::set(c, resource_id);
+  dma_cmd_st::resp_units::set(c, (resp_size + DMA_RESP_UNIT_BYTES - 1) / DMA_RESP_UNIT_BYTES);
+  dma_cmd_st::resp_cell::set(c, resp_loc / DMA_CELL_BYTES);
+  dma_cmd_st::req_words::set(c, (req_size + DMA_REQ_WORD_BYTES - 1) / DMA_REQ_WORD_BYTES);
+  dma_cmd_st::req_cell::set(c, req_loc / DMA_CELL_BYTES);
+  return dma_cmd_st::word::get(c);
 }
 
 void mk_dma_reg(std::uint32_t instruct, std::uint32_t resp_size, std::uint32_t resp_loc, std::uint32_t req_size,
@@ -47,8 +51,8 @@ std::uint32_t dma_lb_1_bit() { return (RDC(COP_THREAD_IDENTITY) >> 25) & 1; }
 
 void plu_get_m40_adrs(env_t env, std::uint32_t vaddr, std::uint32_t* m40ah, std::uint32_t* m40al) {
   const std::uint64_t base = (vaddr & (1u << 24)) ? 0x4028C00000ull : 0x4008C00000ull;
-  const std::uint64_t addr = base + (std::uint64_t{(vaddr >> 11) & 0x1FFF} << 16) +
-                             (std::uint64_t{vaddr & 0x3} << 14) + (std::uint64_t{(vaddr >> 2) & 0x1FF} << 5);
+  const std::uint64_t addr = base + (std::uint64_t{(vaddr >> 11) & 0x1FFF} << 16) + (std::uint64_t{vaddr & 0x3} << 14) +
+                             (std::uint64_t{(vaddr >> 2) & 0x1FF} << 5);
   std::uint32_t lo = static_cast<std::uint32_t>(addr);
   if (*ps_get_global_uidb_reg(env) & (1u << 3)) lo += 0x40000000;
   *m40al = lo;
@@ -65,9 +69,9 @@ namespace {
 // Builds word 0 and word 1 of a physical request and sends it.
 void mem_request(env_t env, std::uint32_t opcode, bool byte_mask, std::uint32_t paddr_hi, std::uint32_t paddr_lo,
                  std::uint32_t req_loc, std::uint32_t req_size, std::uint32_t resp_loc, std::uint32_t resp_size) {
-  be_u32* w = dma_cell_words(env, req_loc);
-  w[0] = mem_req_word0(paddr_hi, opcode, byte_mask, resp_size != 0);
-  w[1] = paddr_lo;
+  auto& req = *reinterpret_cast<mem_request_st*>(dma_cell_words(env, req_loc));
+  mem_request_st::op_word::set(req, mem_req_word0(paddr_hi, opcode, byte_mask, resp_size != 0));
+  mem_request_st::address_low::set(req, paddr_lo);
   dma_initiate(env, dma_build_cmd(RES_MEMORY, req_loc, req_size, resp_loc, resp_size));
 }
 
@@ -146,8 +150,8 @@ void dma_write_32B_p(env_t env, std::uint32_t hi, std::uint32_t lo, const std::u
 }
 
 std::uint32_t dma_get_alu_cmd_word(dma_alu_op_e op) {
-  static constexpr std::uint32_t opcodes[] = {MEM_OP_SADD, MEM_OP_CONDSUB_4B, MEM_OP_NOR, MEM_OP_NOT,
-                                              MEM_OP_XOR,  MEM_OP_NAND,       MEM_OP_AND, MEM_OP_OR,
+  static constexpr std::uint32_t opcodes[] = {MEM_OP_SADD, MEM_OP_CONDSUB_4B, MEM_OP_NOR,    MEM_OP_NOT,
+                                              MEM_OP_XOR,  MEM_OP_NAND,       MEM_OP_AND,    MEM_OP_OR,
                                               MEM_OP_XNOR, MEM_OP_WRITE_4B,   MEM_OP_SEQNI32};
   return opcodes[op];
 }
@@ -173,13 +177,13 @@ void dma_condsub_4B_p(env_t env, std::uint32_t count, std::uint32_t hi, std::uin
 // then the wrap check that restarts the word at `wrap`.
 void dma_incr_wrap_4B_part1_p(env_t env, std::uint32_t hi, std::uint32_t lo, std::uint32_t req_loc, boolean_t resp) {
   be_u32* w = dma_cell_words(env, req_loc);
-  w[0] = (hi << 24) | (resp ? MEM_REQ_RESPONSE : 0u) | MEM_OP_INCR_4B;
+  w[0] = mem_req_word0(hi, MEM_OP_INCR_4B, false, resp, false);
   w[1] = lo;
 }
 void dma_incr_wrap_4B_part2_p(env_t env, std::uint32_t wrap, std::uint32_t swap, std::uint32_t hi, std::uint32_t lo,
                               std::uint32_t req_loc) {
   be_u32* w = dma_cell_words(env, req_loc);
-  w[2] = (hi << 24) | MEM_REQ_BE | MEM_OP_INCR_WRAP_PART2;
+  w[2] = mem_req_word0(hi, MEM_OP_INCR_WRAP_PART2, false, false);
   w[3] = lo;
   w[4] = wrap;
   w[5] = swap;
@@ -196,13 +200,12 @@ void dma_epe_read_clr_16B_p(env_t env, std::uint32_t hi, std::uint32_t lo, std::
   mem_request(env, MEM_OP_EPE_READ_CLR_16B, true, hi, lo, req_loc, 8, resp_loc, 16);
 }
 
-void dma_dpe_read_32B_p(env_t env, std::uint32_t hi, std::uint32_t lo, std::uint32_t req_loc,
-                        std::uint32_t resp_loc) {
+void dma_dpe_read_32B_p(env_t env, std::uint32_t hi, std::uint32_t lo, std::uint32_t req_loc, std::uint32_t resp_loc) {
   mem_request(env, MEM_OP_READ_32B, false, hi, lo, req_loc, 8, resp_loc, 32);
 }
 
-void dma_dpe_write_32B_p(env_t env, std::uint32_t hi, std::uint32_t lo, const std::uint8_t* data,
-                         std::uint32_t req_loc, std::uint32_t resp_loc, boolean_t resp) {
+void dma_dpe_write_32B_p(env_t env, std::uint32_t hi, std::uint32_t lo, const std::uint8_t* data, std::uint32_t req_loc,
+                         std::uint32_t resp_loc, boolean_t resp) {
   mem_write(env, MEM_OP_DPE_WRITE_32B, hi, lo, data, 32, req_loc, resp_loc, resp ? 8 : 0);
 }
 
@@ -212,12 +215,10 @@ void dma_read_4B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32_
 void dma_read_8B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32_t req_loc, std::uint32_t resp_loc) {
   virtual_read(env, MEM_OP_READ_8B, vaddr, tlu, req_loc, resp_loc, 8);
 }
-void dma_read_16B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32_t req_loc,
-                  std::uint32_t resp_loc) {
+void dma_read_16B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32_t req_loc, std::uint32_t resp_loc) {
   virtual_read(env, MEM_OP_READ_16B, vaddr, tlu, req_loc, resp_loc, 16);
 }
-void dma_read_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32_t req_loc,
-                  std::uint32_t resp_loc) {
+void dma_read_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32_t req_loc, std::uint32_t resp_loc) {
   virtual_read(env, MEM_OP_READ_32B, vaddr, tlu, req_loc, resp_loc, 32);
 }
 void dma_dpe_read_ext_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32_t req_loc,
@@ -231,22 +232,22 @@ void dma_write_4B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, std::uint32
   word = data;
   virtual_write(env, MEM_OP_WRITE_4B, vaddr, tlu, word.b, 4, req_loc, resp_loc, opts);
 }
-void dma_write_8B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data,
-                  std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts) {
+void dma_write_8B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data, std::uint32_t req_loc,
+                  std::uint32_t resp_loc, dma_write_opts_st opts) {
   virtual_write(env, MEM_OP_WRITE_8B, vaddr, tlu, data, 8, req_loc, resp_loc, opts);
 }
-void dma_write_16B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data,
-                   std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts) {
+void dma_write_16B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data, std::uint32_t req_loc,
+                   std::uint32_t resp_loc, dma_write_opts_st opts) {
   virtual_write(env, MEM_OP_WRITE_16B, vaddr, tlu, data, 16, req_loc, resp_loc, opts);
 }
-void dma_write_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data,
-                   std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts) {
+void dma_write_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data, std::uint32_t req_loc,
+                   std::uint32_t resp_loc, dma_write_opts_st opts) {
   virtual_write(env, MEM_OP_WRITE_32B, vaddr, tlu, data, 32, req_loc, resp_loc, opts);
 }
 // 48 bytes go out as a 32-byte and a 16-byte write from the same cell; each
 // request is taken up when it is issued.
-void dma_write_48B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data,
-                   std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts) {
+void dma_write_48B(env_t env, std::uint32_t vaddr, std::uint32_t tlu, const std::uint8_t* data, std::uint32_t req_loc,
+                   std::uint32_t resp_loc, dma_write_opts_st opts) {
   virtual_write(env, MEM_OP_WRITE_32B, vaddr, tlu, data, 32, req_loc, resp_loc, opts);
   virtual_write(env, MEM_OP_WRITE_16B, vaddr + 32, tlu, data + 32, 16, req_loc, resp_loc, opts);
 }
@@ -302,8 +303,7 @@ void dma_tlu_condsub_4B(env_t env, std::uint32_t vaddr, std::uint32_t count, std
   dma_initiate(env, dma_build_cmd(RES_TLU_COUNTERS, req_loc, 12, resp_loc, 8));
 }
 
-void dma_flowlock_convert(env_t env, std::uint32_t flowlock_id, std::uint32_t flb_req_loc,
-                          std::uint32_t flb_resp_loc) {
+void dma_flowlock_convert(env_t env, std::uint32_t flowlock_id, std::uint32_t flb_req_loc, std::uint32_t flb_resp_loc) {
   be_u32* w = dma_cell_words(env, flb_req_loc);
   w[0] = FLB_CMD_FLOWLOCK_CONVERT;
   w[1] = flowlock_id;
@@ -318,7 +318,7 @@ void dma_flowlock_convert_and_read16(env_t env, std::uint32_t flowlock_id, std::
   be_u32* w = dma_cell_words(env, req_loc);
   w[0] = FLB_CMD_FLOWLOCK_CONVERT_READ16;
   w[1] = flowlock_id;
-  w[2] = (hi << 24) | FLB_CONVERT_READ16_WORD2;
+  w[2] = mem_req_word0(hi, MEM_OP_READ_16B, false, true);
   w[3] = lo;
   dma_initiate(env, dma_build_cmd(RES_FLB, req_loc, 16, resp_loc, 16));
 }

@@ -3,10 +3,10 @@
 #include "arch_tie.h"
 #include "dma_common.h"
 #include "dplane/infra/ps.h"
+#include "pkt_rx.h"
 #include "platform/shared/handlers.h"
 #include "platform/varn/entry_points.h"
 #include "platform/varn/rx_dispatch.h"
-#include "pkt_rx.h"
 
 namespace {
 constexpr std::uint32_t DMEM_FILL_WORD = 0xDEADBEEF;
@@ -38,7 +38,7 @@ void init_for_first_packet() { send_initial_ctn(FIRST_REQUEST_LOC, get_dmem_star
 // The first request for a packet: returns when the first packet's header
 // stands in data memory.
 void send_initial_ctn(std::uint32_t req_loc, std::uint8_t* dmem_start) {
-  reinterpret_cast<be_u32*>(dmem_start + req_loc)->set(32);
+  reinterpret_cast<be_u32*>(dmem_start + req_loc)->set(FLB_CMD_FIRST_PACKET);
   std::uint32_t cmd = 0;
   mk_dma_reg(RES_FLB, PKT_END_RESPONSE_BYTES, 0, 4, req_loc, &cmd);
   WDC(cmd, COP_DMA_COMMAND);

@@ -4,10 +4,8 @@
 #include <cstdint>
 
 #include "dplane/infra/env_init.h"
+#include "power.h"
 
-// Entry of every NPU thread: fills data memory with 0xDEADBEEF, sets up the
-// context and runs the packet loop for ever.
-[[noreturn]] void power_fwcore_main();
 // The same without the fill. (The program's own `main`; a hosted build keeps
 // the name `main` for the host process.)
 [[noreturn]] void npu_main();

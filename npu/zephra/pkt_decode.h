@@ -5,17 +5,9 @@
 
 #include <cstdint>
 
+#include "dist_hdr.h"
 #include "fwc_types.h"
 #include "mpls.h"
-#include "platform/varn/dist_hdr.h"
-
-// Classes of a destination MAC (da_bits).
-enum da_bits_e : std::uint32_t {
-  DA_BITS_FOREIGN_UNICAST = 0,  // unicast to another station (the parser only)
-  DA_BITS_UNICAST = 1,
-  DA_BITS_CONTROL_MULTICAST = 2,  // the well-known control groups
-  DA_BITS_MULTICAST = 3,          // any other group, and broadcast
-};
 
 // The class of a destination MAC whose station is this router's, or any
 // group address: 1 unicast, 2 well-known control group, 3 other group.

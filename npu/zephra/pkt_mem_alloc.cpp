@@ -19,11 +19,11 @@ struct feature_area {
   std::uint32_t limit;
 };
 constexpr feature_area feature_areas[] = {
-    {0, 0},      // PACKET_MEM_INVALID
-    {96, 96},    // PACKET_MEM_PUNT
-    {192, 80},   // PACKET_MEM_LI
-    {112, 0},    // PACKET_MEM_RECYCLE: every request is refused
-    {112, 16},   // PACKET_MEM_TBPG
+    {0, 0},     // PACKET_MEM_INVALID
+    {96, 96},   // PACKET_MEM_PUNT
+    {192, 80},  // PACKET_MEM_LI
+    {112, 0},   // PACKET_MEM_RECYCLE: every request is refused
+    {112, 16},  // PACKET_MEM_TBPG
 };
 constexpr std::uint32_t FEATURE_COUNT = sizeof feature_areas / sizeof feature_areas[0];
 
@@ -34,7 +34,7 @@ bool alloc_next_block(env_t env) {
   const std::uint32_t held = gpm_allocated(env);
   gpb_alloc_head(env, pkt_rx_gpm_pkt_handle(env), GPB_FIRST_HEAD_SEGMENT - held, GPB_ALLOC_CELL, GPB_ALLOC_CELL);
   const auto& resp = *reinterpret_cast<const gpb_alloc_response_*>(env_get_dmem_start(env) + GPB_ALLOC_CELL);
-  if (gpb_alloc_response_::ack::get(resp) != 0) return false;
+  if (gpb_alloc_response_::ack::get(resp) != GPB_ACK_GRANTED) return false;
   common_flags_st& flags = *ps_put_mod_common_flags(env);
   cf::gpm_allocated::set(flags, held + 1);
   // A replication loop restores the flags of each copy: it must keep the block.

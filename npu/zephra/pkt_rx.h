@@ -2,10 +2,10 @@
 // read in place; the accessors of the baf part read bytes 16..31.
 #pragma once
 
+#include "dist_hdr.h"
 #include "dplane/infra/env.h"
 #include "dplane/infra/ps.h"
 #include "ingress_vectors.h"
-#include "platform/varn/dist_hdr.h"
 
 inline const dist_hdr_line_st& pkt_rx_line_hdr(env_t env) {
   return *reinterpret_cast<const dist_hdr_line_st*>(env->dist_hdr);
@@ -21,8 +21,6 @@ inline baf_hdr_ing_st& pkt_rx_baf_mod(env_t env) {
 using dh = dist_hdr_line_st;
 using rx_baf = baf_hdr_ing_st;
 
-inline constexpr std::uint32_t INJECT_QUEUE_FIRST = 80;
-inline constexpr std::uint32_t INJECT_QUEUE_LAST = 83;
 inline constexpr std::uint32_t MPLS_LABEL_BYTES = 4;
 // pkt_get_rx_frame_type gives the low two bits of frame_type.
 inline constexpr std::uint32_t RX_FRAME_TYPE_MASK = 0x3;

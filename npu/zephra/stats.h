@@ -14,6 +14,7 @@
 #include "dma_defs.h"
 #include "dplane/infra/ps.h"
 #include "global_config.h"
+#include "stats_defs.h"
 
 inline constexpr std::uint32_t STATS_GLB_CNT_BASE = 0x4AEA00;
 inline constexpr std::uint32_t STATS_ENTRY_BASE = 0x500000;
@@ -43,23 +44,6 @@ enum stats_uidb_static_egr_index_e : std::uint32_t {
   STATS_IF_LAYER2_MCAST_OUTPUT_CNT = 2,
   MAX_UIDB_STATIC_EGR_STATS = 3,
 };
-
-// The cell of a pair request: word 0 stands for the template's command (the
-// entry's address), the byte count at byte 8.
-struct stats_add_request_st {
-  be_u32 address;
-  be_u32 reserved;
-  be_u32 count;
-  be_u32 pad;
-};
-static_assert(sizeof(stats_add_request_st) == 16);
-
-// A pair as the read-and-clear returns it: the low 32 bits of each count.
-struct stats_counter_pair_st {
-  be_u32 packets;
-  be_u32 bytes;
-};
-static_assert(sizeof(stats_counter_pair_st) == 8);
 
 inline std::uint32_t compute_replicated_stats_index(env_t env, std::uint32_t stats_index) {
   if (!(stats_index & STATS_RELATIVE_INDEX)) return stats_index;
@@ -92,7 +76,7 @@ void stats_read_clear64(env_t env, std::uint32_t stats_index, std::uint32_t req_
 // ---- the requests behind the generated counter lookups; `cell` is the tag's cell ----
 
 inline void stats_glb_cnt_request(env_t env, std::uint32_t cell, std::uint32_t stat_index) {
-  qrsc(rtt_index(0, 10), STATS_GLB_CNT_BASE + stat_index * STATS_ENTRY_BYTES, cell, cell);
+  qrsc(RTT_GLOBAL_COUNTER, STATS_GLB_CNT_BASE + stat_index * STATS_ENTRY_BYTES, cell, cell);
   if (global_config_is_np_monitor_enabled(env)) np_counter_monitor_check(stat_index);
 }
 
@@ -104,7 +88,7 @@ inline void stats_put_count(env_t env, std::uint32_t cell, std::uint32_t count) 
 }
 // One packet and the cell's byte count to the entry at stats_address.
 inline void stats_add_request(std::uint32_t cell, std::uint32_t stats_address) {
-  qrsc(rtt_index(0, 8), stats_address, cell, cell);
+  qrsc(RTT_STATS_PAIR, stats_address, cell, cell);
 }
 
 inline void stats_add_inc_request(env_t env, std::uint32_t cell, std::uint32_t stat_index, std::uint32_t count) {
@@ -115,8 +99,8 @@ inline void stats_add_inc_split_request(env_t env, std::uint32_t cell, std::uint
   stats_add_request(cell, compute_stats_address(env, stat_index));
 }
 // The relative test applies to the sum, so base and index share the 14-bit field.
-inline void stats_uidb_add_inc_request(env_t env, std::uint32_t cell, std::uint32_t stat_base,
-                                       std::uint32_t stat_index, std::uint32_t count) {
+inline void stats_uidb_add_inc_request(env_t env, std::uint32_t cell, std::uint32_t stat_base, std::uint32_t stat_index,
+                                       std::uint32_t count) {
   stats_put_count(env, cell, count);
   stats_add_request(cell, compute_stats_address(env, stat_base + stat_index));
 }
@@ -127,8 +111,8 @@ inline void stats_uidb_add_inc_split_request(env_t env, std::uint32_t cell, std:
 // Two entries of one block: the base is resolved once. The cell serves both
 // requests in turn, as each is taken up when it is issued.
 inline void stats_uidb_add_inc_twin_request(env_t env, std::uint32_t cell, std::uint32_t stat_base,
-                                            std::uint32_t stat_index1, std::uint32_t count1,
-                                            std::uint32_t stat_index2, std::uint32_t count2) {
+                                            std::uint32_t stat_index1, std::uint32_t count1, std::uint32_t stat_index2,
+                                            std::uint32_t count2) {
   const std::uint32_t base = compute_replicated_stats_index(env, stat_base);
   stats_put_count(env, cell, count1);
   stats_add_request(cell, compute_final_stats_address(env, base + stat_index1));

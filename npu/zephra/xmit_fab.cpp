@@ -9,21 +9,17 @@
 #include "dplane/infra/ps.h"
 #include "dplane/infra/util.h"
 #include "global_counters.h"
+#include "fab_hdr.h"
 #include "pkt_buf.h"
 #include "pkt_rx.h"
 #include "platform/varn/fab_hdr_access.h"
-#include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
 
 namespace {
 
 using cf = common_flags_st;
-constexpr std::uint32_t PIECE_COUNT_SHIFT = 30;
-constexpr std::uint32_t PIECE_LEN_SHIFT = 16;
-constexpr std::uint32_t PIECE_LEN_MASK = 0x3FFF;
 constexpr std::uint32_t HANDLE_SHIFT = 16;
 constexpr std::uint32_t HANDLE_MASK = 0x1FFF;
-constexpr std::uint32_t MAX_PIECES = 3;
 // Traced packets that the ingress side sends to the fabric.
 
 // Words 0 to 2, or without word 1 in the v3 form; returns the first piece word.
@@ -92,8 +88,8 @@ void fab_prep(env_t env, fab_request_form form, fab_encap encap1, fab_encap enca
   const std::uint32_t frame_len = encap_len + payload_len;
   plat_final_fab_prep(env, encap1.addr, frame_len);
   be_u32* piece = write_gather_head(env, dma_cell_words(env, gather_req_loc), mcast, form.lock_word);
-  std::array<std::uint8_t*, MAX_PIECES> addr{};
-  std::array<std::uint32_t, MAX_PIECES> len{};
+  std::array<std::uint8_t*, GATHER_MAX_PIECES> addr{};
+  std::array<std::uint32_t, GATHER_MAX_PIECES> len{};
   std::uint32_t count = 0;
   for (const fab_encap& e : {encap1, encap2}) {
     if (e.addr == nullptr) continue;
@@ -121,7 +117,11 @@ void fab_prep(env_t env, fab_request_form form, fab_encap encap1, fab_encap enca
 std::uint32_t npu_gather_piece(env_t env, std::uint32_t count, std::uint32_t len, const std::uint8_t* addr) {
   const std::uint8_t* buf_start = *ps_get_pkt_mem_start(env) - PKT_BUF_HEAD_ROOM;
   const auto offset = static_cast<std::uint32_t>(addr - buf_start);
-  return (count << PIECE_COUNT_SHIFT) | ((len & PIECE_LEN_MASK) << PIECE_LEN_SHIFT) | (offset & 0xFFFF);
+  gather_piece_st piece{};
+  gather_piece_st::count::set(piece, count);
+  gather_piece_st::length::set(piece, len);
+  gather_piece_st::offset::set(piece, offset);
+  return gather_piece_st::word::get(piece);
 }
 
 void plat_final_fab_prep(env_t env, std::uint8_t* encap, std::uint32_t total_frame_len) {
@@ -143,9 +143,9 @@ void npu_xmit_pkt_fab_prep(env_t env, std::uint8_t* encap_addr, std::uint32_t en
            mcast);
 }
 
-void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1,
-                              std::uint8_t* encap_addr2, std::uint32_t encap_len2, std::uint8_t* payload_addr,
-                              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast) {
+void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1, std::uint8_t* encap_addr2,
+                              std::uint32_t encap_len2, std::uint8_t* payload_addr, std::uint32_t payload_len,
+                              std::uint32_t gather_req_loc, boolean_t mcast) {
   fab_prep(env, FORM_V2, {encap_addr1, encap_len1}, {encap_addr2, encap_len2}, payload_addr, payload_len,
            gather_req_loc, mcast);
 }

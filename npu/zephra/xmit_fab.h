@@ -1,13 +1,7 @@
 // Fabric transmit: the fabric header's length and checksum, the gather
 // request that names the packet's pieces, and the send to the FLB.
 //
-// Gather request, big-endian words at flb_gather_req_loc:
-//   0  command: 0x00000F13 ingress gather, 0x00000F12 service loopback
-//   1  0, or the flow lock the packet moves to in a keep send
-//   2  gpm_pkt_handle in bits 28..16, bit 0 set, bit 31 for multicast
-//   3+ one word per piece: piece count in the top 2 bits of the first,
-//      length in bits 29..16, offset from the packet buffer start below
-// The v3 form leaves word 1 out: its pieces start at word 2.
+// The gather request (flb_defs.h) stands at flb_gather_req_loc.
 //
 // A frame under 64 bytes is brought to 64: the first form adds a pad piece
 // read from pkt_start, the v2 and v3 forms clear words behind the payload.
@@ -15,6 +9,7 @@
 
 #include <cstdint>
 
+#include "flb_defs.h"
 #include "fwc_types.h"
 
 inline constexpr std::uint32_t FLB_GATHER_REQ_LOC = 0x250;
@@ -22,13 +17,7 @@ inline constexpr std::uint32_t FLB_GATHER_RESP_LOC = 0x000;
 inline constexpr std::uint32_t FAB_MIN_FRAME_LEN = 64;
 // dc3_plen counts the frame without the first 28 bytes of the header.
 inline constexpr std::uint32_t FAB_PLEN_EXCLUDED = 28;
-inline constexpr std::uint32_t GATHER_CMD_INGRESS = 0x00000F13;
-inline constexpr std::uint32_t GATHER_CMD_LOOPBACK = 0x00000F12;
-inline constexpr std::uint32_t GATHER_HANDLE_VALID = 0x1;
-inline constexpr std::uint32_t GATHER_MCAST = 0x80000000;
-inline constexpr std::uint32_t GATHER_KEEP = 0x800000;
 inline constexpr std::uint32_t GATHER_CMD_CLEAR_ON_KEEP = 0x40000;
-inline constexpr std::uint32_t GATHER_KEEP_REQ_BYTES = 24;
 inline constexpr std::uint32_t GATHER_KEEP_RESP_LOC = 0x2D0;
 inline constexpr std::uint32_t FLB_SEND_CMD = 0x16400300;
 inline constexpr std::uint32_t SL_FEATURE_ID_FABRIC = 1;
@@ -38,9 +27,9 @@ void plat_final_fab_prep2(env_t env);
 void npu_xmit_pkt_fab_prep(env_t env, std::uint8_t* encap_addr, std::uint32_t encap_len, std::uint8_t* payload_addr,
                            std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast);
 // With a second encapsulation piece between the first and the payload.
-void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1,
-                              std::uint8_t* encap_addr2, std::uint32_t encap_len2, std::uint8_t* payload_addr,
-                              std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast);
+void npu_xmit_pkt_fab_prep_v2(env_t env, std::uint8_t* encap_addr1, std::uint32_t encap_len1, std::uint8_t* encap_addr2,
+                              std::uint32_t encap_len2, std::uint8_t* payload_addr, std::uint32_t payload_len,
+                              std::uint32_t gather_req_loc, boolean_t mcast);
 // The request has no word 1, so it cannot become a keep send.
 void npu_xmit_pkt_fab_prep_v3(env_t env, std::uint8_t* encap_addr, std::uint32_t encap_len, std::uint8_t* payload_addr,
                               std::uint32_t payload_len, std::uint32_t gather_req_loc, boolean_t mcast);

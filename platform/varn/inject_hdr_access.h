@@ -5,10 +5,10 @@
 
 #include <cstdint>
 
+#include "dist_hdr.h"
 #include "dplane/infra/ps.h"
 #include "npu/zephra/pkt_rx.h"
-#include "platform/varn/dist_hdr.h"
-#include "platform/varn/punt_inject_hdr.h"
+#include "punt_inject_hdr.h"
 
 inline constexpr std::uint32_t INJECT_HDR_LINE_OFFSET = 16;
 

@@ -11,6 +11,10 @@ namespace fuzz {
 
 namespace {
 
+std::uint32_t marks_of(std::uint16_t index) {
+  return TABLE_BASE_UIDB_MARK_BITS_ING + index * TABLE_STRIDE_UIDB_MARK_BITS_ING;
+}
+
 void write_marks(model::table_memory& mem, std::uint16_t index, bool l2) {
   mark_bits_st marks{};
   if (l2) {
@@ -24,18 +28,20 @@ void write_marks(model::table_memory& mem, std::uint16_t index, bool l2) {
       set(marks, 1);
     }
   }
-  mem.write(mem.translate(TABLE_BASE_UIDB_MARK_BITS_ING + index * TABLE_STRIDE_UIDB_MARK_BITS_ING),
-            {marks.bytes, sizeof marks.bytes});
+  mem.write(mem.translate(marks_of(index)), {marks.bytes, sizeof marks.bytes});
 }
 
 }  // namespace
 
 parser_fixture::parser_fixture() {
   for (std::uint32_t port = 0; port < PORTS; ++port) {
-    parser_.set_port(port, {ROUTER_MAC, port == INJECT_PORT ? 80u : 0u});
+    parser_.set_port(port, {ROUTER_MAC, port == INJECT_PORT ? 80u : 0u,
+                            TABLE_BASE_PORT_CONFIG_ING + port * TABLE_STRIDE_PORT_CONFIG_ING});
   }
   for (const fixture_interface& i : INTERFACES) {
-    parser_.set_interface(i.key, i.iface);
+    model::parser_interface iface = i.iface;
+    iface.marks_record = marks_of(iface.uidb_index);
+    parser_.set_interface(i.key, iface);
     write_marks(mem_, i.iface.uidb_index, i.l2);
   }
 }

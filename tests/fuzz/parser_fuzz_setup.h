@@ -9,7 +9,7 @@
 
 #include "model/line_parser.h"
 #include "model/table_memory.h"
-#include "platform/varn/dist_hdr.h"
+#include "dist_hdr.h"
 
 namespace fuzz {
 

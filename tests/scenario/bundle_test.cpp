@@ -14,8 +14,8 @@
 #include "dplane/infra/drop.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_ing.h"
+#include "fab_hdr.h"
 #include "npu/zephra/xmit_fab.h"
-#include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "testkit/bundles.h"
 #include "testkit/fabric_path.h"
@@ -142,8 +142,7 @@ TEST_P(Flows, CrossToTheNpuOfTheirMemberAndTakeItsPort) {
 
 INSTANTIATE_TEST_SUITE_P(
     Hashes, Flows,
-    ::testing::Values(flow{"zero_member_0", 0x00000000, 0},
-                      flow{"bits_0xBCD_member_1", 0xFB1234CD, 1},   // 3021 mod 5
+    ::testing::Values(flow{"zero_member_0", 0x00000000, 0}, flow{"bits_0xBCD_member_1", 0xFB1234CD, 1},  // 3021 mod 5
                       flow{"bits_0x007_member_2", 0x00000007, 2},
                       flow{"bits_0xA03_member_3", 0x0A000003, 3},   // 2563 mod 5
                       flow{"bits_0x004_member_4", 0x40FFFF04, 4},   // the other bits count for nothing

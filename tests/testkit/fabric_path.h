@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "dplane/infra/env.h"
-#include "platform/varn/fab_hdr.h"
+#include "fab_hdr.h"
 #include "testkit/npu_harness.h"
 
 namespace testkit {

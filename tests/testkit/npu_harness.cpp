@@ -7,7 +7,8 @@
 namespace testkit {
 
 npu_harness::npu_harness(std::uint32_t npus, std::uint32_t threads_per_npu)
-    : chassis_(std::make_unique<model::chassis>(std::vector<model::npu_config>(npus, {threads_per_npu, 1}))) {
+    : chassis_(std::make_unique<model::chassis>(std::vector<model::npu_config>(npus, {threads_per_npu, 1}),
+                                                power_fwcore_main)) {
   tables_ = std::make_unique<ctrl::chassis_tables>(*chassis_);
   chassis_->start();
 }

@@ -36,19 +36,19 @@ struct engine {
   form code = form::none;
   int table = -1;  // request template, or -1
   int entry = -1;
-  int resource = -1;          // DMA resource, or -1
-  std::uint32_t response = 0; // response bytes
+  int resource = -1;           // DMA resource, or -1
+  std::uint32_t response = 0;  // response bytes
 };
 
 enum class addr_kind { paged, direct, global_block };
 
 struct table_address {
   addr_kind kind = addr_kind::direct;
-  std::uint32_t tpd = 0;     // paged
+  std::uint32_t tpd = 0;           // paged
   std::uint32_t record_bytes = 0;  // paged: record size of the page
-  std::uint32_t base = 0;    // direct: table base; global block: area base
-  std::uint32_t stride = 0;  // direct: record stride; global block: block size
-  std::uint32_t block = 0;   // global block number
+  std::uint32_t base = 0;          // direct: table base; global block: area base
+  std::uint32_t stride = 0;        // direct: record stride; global block: block size
+  std::uint32_t block = 0;         // global block number
 };
 
 struct source_pos {
@@ -71,9 +71,9 @@ struct hash_table {
   std::string space;
   std::uint32_t res_offset = 0;  // where the result stands in the entry
   std::uint32_t res_bytes = 0;
-  bool single = false;      // a lone entry's 8-byte key stands in its bucket
-  bool data_plane = false;  // the data plane writes it; searches keep their place
-  bool caller_base = false; // its space's first bucket comes from the caller
+  bool single = false;       // a lone entry's 8-byte key stands in its bucket
+  bool data_plane = false;   // the data plane writes it; searches keep their place
+  bool caller_base = false;  // its space's first bucket comes from the caller
 };
 
 // The bitmap of a lock family, a line of [lock_bitmaps]: its first word in
@@ -84,10 +84,10 @@ struct lock_bitmap {
 };
 
 struct identifiers {
-  std::vector<std::string> names;            // order of lookup_id_e, without ID_
+  std::vector<std::string> names;                // order of lookup_id_e, without ID_
   std::map<std::string, std::size_t> engine_of;  // base name -> index in engines
   std::vector<engine> engines;
-  std::set<std::string> hash_ids;            // family + suffix
+  std::set<std::string> hash_ids;  // family + suffix
   std::set<std::string> tags;
   std::set<std::string> protected_tables;
   std::map<std::string, std::string> lock_family;  // lock identifier -> family
@@ -101,22 +101,30 @@ struct row {
   std::string tag;
   std::optional<std::uint32_t> slot;
   std::optional<std::uint32_t> cell;
-  std::string type;   // result type
-  std::string calls;  // hand-written function behind the request
-  std::string view;   // lookup whose slot this view reads
+  std::string type;               // result type
+  std::string calls;              // hand-written function behind the request
+  std::string view;               // lookup whose slot this view reads
   std::vector<std::string> live;  // live groups; "all" = every group
-  bool ipv6 = false;  // family=ipv6: the IPv6 search of a route table named once for both families
+  bool ipv6 = false;              // family=ipv6: the IPv6 search of a route table named once for both families
   // The cells of a search of an exact-key table: bucket, key, result.
   std::optional<std::uint32_t> bucket;
   std::optional<std::uint32_t> key;
   std::optional<std::uint32_t> res;
 };
 
+// A row of the request template table.
+struct request_template {
+  int table = 0;
+  int entry = 0;
+  std::uint32_t response = 0;  // bytes
+};
+
 struct catalogue {
+  std::map<std::string, request_template> templates;  // by name
   identifiers ids;
   std::map<std::string, table_address> tables;
   std::map<std::string, hash_space> hash_spaces;
-  std::vector<hash_table> hash_tables;  // in file order
+  std::vector<hash_table> hash_tables;              // in file order
   std::map<std::string, lock_bitmap> lock_bitmaps;  // family -> bitmap
   std::vector<row> rows;
   const hash_table* hash_table_named(const std::string& name) const {
@@ -137,9 +145,9 @@ struct lookup {
   std::uint32_t slot = 0;
   std::uint32_t slot_bytes = 0;  // 0: no result
   bool is_protected = false;
-  std::uint32_t record_offset = 0;  // where the protected record begins in the slot
-  const lookup* parent = nullptr;   // the lookup whose slot a view reads
-  bool has_alloc = false;           // exposes its request cell
+  std::uint32_t record_offset = 0;   // where the protected record begins in the slot
+  const lookup* parent = nullptr;    // the lookup whose slot a view reads
+  bool has_alloc = false;            // exposes its request cell
   const hash_table* hash = nullptr;  // a search of an exact-key table
   bool search_lock = false;          // the search has a lock of its name: a writer's part 1 takes it
   std::uint32_t key_bytes = 0;       // hash search: bytes of the entry read into the key cells

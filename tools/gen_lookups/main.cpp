@@ -1,5 +1,5 @@
 // gen_lookups: reads the lookup catalogue's descriptions and writes its C++.
-//   gen_lookups <identifiers.txt> <tables.txt> <lookups.txt> <output dir>
+//   gen_lookups <request_templates.def> <identifiers.txt> <tables.txt> <lookups.txt> <output dir>
 // Prints every fault of the descriptions and writes nothing if there is one.
 #include <cstdio>
 #include <filesystem>
@@ -30,15 +30,18 @@ bool write_file(const std::filesystem::path& path, const std::string& text) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 5) {
-    std::fprintf(stderr, "usage: %s <identifiers.txt> <tables.txt> <lookups.txt> <output dir>\n", argv[0]);
+  if (argc != 6) {
+    std::fprintf(stderr,
+                 "usage: %s <request_templates.def> <identifiers.txt> <tables.txt> <lookups.txt> <output dir>\n",
+                 argv[0]);
     return 2;
   }
   gen::catalogue cat;
   gen::errors errs;
   using parser = void (*)(std::string_view, const std::string&, gen::catalogue&, gen::errors&);
-  const parser parsers[] = {gen::parse_identifiers, gen::parse_tables, gen::parse_lookups};
-  for (int i = 0; i < 3; ++i) {
+  const parser parsers[] = {gen::parse_request_templates, gen::parse_identifiers, gen::parse_tables,
+                            gen::parse_lookups};
+  for (int i = 0; i < 4; ++i) {
     std::string text;
     if (!read_file(argv[i + 1], text)) {
       std::fprintf(stderr, "%s: cannot read\n", argv[i + 1]);
@@ -52,12 +55,11 @@ int main(int argc, char** argv) {
     return 1;
   }
   const gen::outputs out = gen::emit(cat, lookups);
-  const std::filesystem::path dir = argv[4];
+  const std::filesystem::path dir = argv[5];
   std::filesystem::create_directories(dir);
-  const bool ok = write_file(dir / "lookup_ids.h", out.ids_header) &&
-                  write_file(dir / "lookup_tables.h", out.tables_header) &&
-                  write_file(dir / "lookup_catalogue.h", out.ops_header) &&
-                  write_file(dir / "lookup_catalogue.cpp", out.source);
-  if (!ok) std::fprintf(stderr, "%s: cannot write the catalogue\n", argv[4]);
+  const bool ok =
+      write_file(dir / "lookup_ids.h", out.ids_header) && write_file(dir / "lookup_tables.h", out.tables_header) &&
+      write_file(dir / "lookup_catalogue.h", out.ops_header) && write_file(dir / "lookup_catalogue.cpp", out.source);
+  if (!ok) std::fprintf(stderr, "%s: cannot write the catalogue\n", argv[5]);
   return ok ? 0 : 1;
 }

@@ -99,10 +99,14 @@ std::optional<form> form_named(const std::string& s) {
   return it->second;
 }
 
-// "[engine form=read template=0.3 response=32]"
-std::optional<engine> engine_header(const std::vector<std::string>& words, int line, reporter& report) {
+// "[engine form=read template=TLU_READ_32B]": the template gives the
+// response size; an engine by resource gives its own.
+std::optional<engine> engine_header(const std::vector<std::string>& words, int line, const catalogue& cat,
+                                    reporter& report) {
   engine e;
   bool ok = true;
+  bool by_template = false;
+  bool has_response = false;
   for (std::size_t i = 1; i < words.size(); ++i) {
     std::string key;
     std::string value;
@@ -118,15 +122,15 @@ std::optional<engine> engine_header(const std::vector<std::string>& words, int l
       ok = ok && f.has_value();
       e.code = f.value_or(form::none);
     } else if (key == "template") {
-      const std::size_t dot = value.find('.');
-      auto t = number_of(value.substr(0, dot));
-      auto en = dot == std::string::npos ? std::nullopt : number_of(value.substr(dot + 1));
-      if (!t || !en || *t > 1 || *en > 15) {
-        report(line, "template '" + value + "' is not <table 0..1>.<entry 0..15>");
+      const auto t = cat.templates.find(value);
+      if (t == cat.templates.end()) {
+        report(line, "template '" + value + "' is no row of the request template table");
         ok = false;
       } else {
-        e.table = static_cast<int>(*t);
-        e.entry = static_cast<int>(*en);
+        e.table = t->second.table;
+        e.entry = t->second.entry;
+        e.response = t->second.response;
+        by_template = true;
       }
     } else if (key == "resource" || key == "response") {
       auto n = number_of(value);
@@ -137,11 +141,16 @@ std::optional<engine> engine_header(const std::vector<std::string>& words, int l
         e.resource = static_cast<int>(*n);
       } else {
         e.response = *n;
+        has_response = true;
       }
     } else {
       report(line, "unknown engine attribute '" + key + "'");
       ok = false;
     }
+  }
+  if (by_template && has_response) {
+    report(line, "an engine by template takes the template's response size");
+    ok = false;
   }
   if (!ok) return std::nullopt;
   return e;
@@ -174,14 +183,14 @@ std::string section_of(const std::vector<std::string>& words) {
 // suffixes, tags, locks and protected tables, each in its section.
 class identifier_reader {
  public:
-  identifier_reader(identifiers& ids, reporter& report)
-      : ids_(ids), report_(report), seen_(ids.names.begin(), ids.names.end()) {}
+  identifier_reader(const catalogue& cat, identifiers& ids, reporter& report)
+      : cat_(cat), ids_(ids), report_(report), seen_(ids.names.begin(), ids.names.end()) {}
 
   void header(const line_view& lv) {
     section_ = section_of(lv.words);
     current_engine_.reset();
     if (section_ == "engine") {
-      if (auto e = engine_header(lv.words, lv.number, report_)) {
+      if (auto e = engine_header(lv.words, lv.number, cat_, report_)) {
         ids_.engines.push_back(*e);
         current_engine_ = ids_.engines.size() - 1;
       }
@@ -236,6 +245,7 @@ class identifier_reader {
     add_name(ids_, seen_, w);
   }
 
+  const catalogue& cat_;
   identifiers& ids_;
   reporter& report_;
   std::set<std::string> seen_;
@@ -445,6 +455,37 @@ bool read_attribute(const std::string& key, const std::string& value, row& r, in
 
 }  // namespace
 
+void parse_request_templates(std::string_view text, const std::string& file, catalogue& cat, errors& errs) {
+  reporter report(file, errs);
+  constexpr std::string_view ROW = "REQUEST_TEMPLATE(";
+  int number = 0;
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    const std::string_view line = text.substr(0, end);
+    text = end == std::string_view::npos ? std::string_view{} : text.substr(end + 1);
+    ++number;
+    if (!line.starts_with(ROW)) continue;
+    std::vector<std::string> cells{""};
+    for (const char c : line.substr(ROW.size())) {
+      if (c == ',') {
+        cells.emplace_back();
+      } else if (c != ' ' && c != ')') {
+        cells.back() += c;
+      }
+    }
+    const auto table = cells.size() == 4 ? number_of(cells[1]) : std::nullopt;
+    const auto entry = cells.size() == 4 ? number_of(cells[2]) : std::nullopt;
+    const auto response = cells.size() == 4 ? number_of(cells[3]) : std::nullopt;
+    if (!table || !entry || !response || *table > 1 || *entry > 15) {
+      report(number, "a template row is REQUEST_TEMPLATE(name, table 0..1, entry 0..15, response bytes)");
+    } else if (!cat.templates
+                    .emplace(cells[0], request_template{static_cast<int>(*table), static_cast<int>(*entry), *response})
+                    .second) {
+      report(number, "template '" + cells[0] + "' stands twice");
+    }
+  }
+}
+
 std::optional<std::uint32_t> number_of(const std::string& s) {
   std::uint64_t v = 0;
   const bool hex = s.size() > 2 && s[0] == '0' && (s[1] == 'x' || s[1] == 'X');
@@ -457,7 +498,7 @@ std::optional<std::uint32_t> number_of(const std::string& s) {
 
 void parse_identifiers(std::string_view text, const std::string& file, catalogue& cat, errors& errs) {
   reporter report(file, errs);
-  identifier_reader reader(cat.ids, report);
+  identifier_reader reader(cat, cat.ids, report);
   for (const line_view& lv : lines_of(text)) {
     if (lv.words[0].front() == '[') {
       reader.header(lv);

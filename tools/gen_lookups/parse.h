@@ -9,6 +9,9 @@
 
 namespace gen {
 
+// The request template table, REQUEST_TEMPLATE(name, table, entry, response)
+// rows; read before the identifiers, whose engines name its templates.
+void parse_request_templates(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
 void parse_identifiers(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
 void parse_tables(std::string_view text, const std::string& file, catalogue& cat, errors& errs);
 void parse_lookups(std::string_view text, const std::string& file, catalogue& cat, errors& errs);

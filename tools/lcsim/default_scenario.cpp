@@ -3,8 +3,8 @@
 // enter NPU 1, which serves VQI EGRESS_VQI. No built ingress handler sends to
 // the fabric yet (ipv4_ing_perf will, through npu_pkt_tx_request_ing), so the
 // fabric frames here are given as NPU 1 receives them.
+#include "fab_hdr.h"
 #include "model/dist_hdr_builder.h"
-#include "platform/varn/fab_hdr.h"
 #include "scenario.h"
 
 namespace lcsim {
@@ -40,8 +40,8 @@ std::vector<std::uint8_t> fabric_frame(std::uint32_t nph_type) {
 }
 
 scenario_packet from_fabric(std::string description, dist_hdr_builder hdr, std::uint32_t nph_type) {
-  scenario_packet p = make(std::move(description), hdr.set<dist_hdr_fabric_st::pktlen>(FABRIC_FRAME_BYTES),
-                           fabric_frame(nph_type));
+  scenario_packet p =
+      make(std::move(description), hdr.set<dist_hdr_fabric_st::pktlen>(FABRIC_FRAME_BYTES), fabric_frame(nph_type));
   p.npu = EGRESS_NPU;
   return p;
 }
@@ -59,7 +59,8 @@ scenario default_scenario() {
   p.push_back(make("line, IPv4 unicast vector", dist_hdr_builder::line(0).set<L::ipv4_en>(1)));
   p.push_back(make("line, MPLS vector", dist_hdr_builder::line(4).set<L::mpls_en>(1)));
   p.push_back(make("line, IPv4 exception on an interface without IPv4", dist_hdr_builder::line(7)));
-  p.push_back(make("line, interface in maintenance mode", dist_hdr_builder::line(8).set<L::l3_uidb_maintenance_mode>(1)));
+  p.push_back(
+      make("line, interface in maintenance mode", dist_hdr_builder::line(8).set<L::l3_uidb_maintenance_mode>(1)));
   p.push_back(make("line, host inject from a wrong queue", dist_hdr_builder::line(13).set<L::igpb_queue>(12)));
   p.push_back(make("line, no vector on an L2 interface",
                    dist_hdr_builder::line(0).set<L::rt_result_valid>(0).set<L::l2_uidb>(1)));

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "platform/varn/fab_hdr.h"
+#include "fab_hdr.h"
 
 namespace lcsim {
 

@@ -9,6 +9,7 @@
 #include "model/chassis.h"
 #include "pcap_input.h"
 #include "pcap_output.h"
+#include "power.h"
 #include "report.h"
 #include "run.h"
 #include "scenario.h"
@@ -28,7 +29,7 @@ struct options {
 
 int run(const options& opt) {
   const lcsim::scenario sc = opt.in.empty() ? lcsim::default_scenario() : lcsim::scenario_from_pcap(opt.in, opt.port);
-  model::chassis chassis(std::vector<model::npu_config>(sc.npus, model::npu_config{opt.threads, 1}));
+  model::chassis chassis(std::vector<model::npu_config>(sc.npus, model::npu_config{opt.threads, 1}), power_fwcore_main);
   ctrl::chassis_tables tables(chassis);
   if (!opt.in.empty()) lcsim::set_up_line_port(tables.npu(0), opt.port, pkt::mac(opt.mac), lcsim::routed_interface());
   const std::vector<lcsim::packet_result> results = lcsim::run_scenario(chassis, tables, sc);

@@ -9,8 +9,8 @@
 #include "names/counter_names.h"
 #include "platform/shared/placeholder.h"
 #include "fab_hdr_report.h"
-#include "platform/varn/dist_hdr.h"
-#include "platform/varn/fab_hdr.h"
+#include "dist_hdr.h"
+#include "fab_hdr.h"
 
 namespace lcsim {
 
@@ -78,9 +78,8 @@ std::string packet_fate(const model::packet_outcome& o) {
 void print_report(std::FILE* out, ctrl::chassis_tables& tables, const std::vector<packet_result>& results) {
   std::fprintf(out, "Packets\n");
   for (const packet_result& r : results) {
-    std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq),
-                 r.outcome.npu, r.input ? r.input->description.c_str() : "from the fabric",
-                 ending(r.outcome).c_str());
+    std::fprintf(out, "  #%-3llu npu %u  %-52s -> %s\n", static_cast<unsigned long long>(r.outcome.seq), r.outcome.npu,
+                 r.input ? r.input->description.c_str() : "from the fabric", ending(r.outcome).c_str());
     print_frames(out, r);
   }
   std::fprintf(out, "Counters\n");

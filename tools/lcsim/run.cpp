@@ -7,7 +7,7 @@
 #include <tuple>
 
 #include "line_setup.h"
-#include "platform/varn/dist_hdr.h"
+#include "dist_hdr.h"
 
 namespace lcsim {
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "power.h"
+#include "request_templates.h"
 
 inline void WDC(std::uint32_t data, std::uint32_t cop) { power_wdc(data, cop); }
 inline std::uint32_t RDC(std::uint32_t cop) { return power_rdc(cop); }

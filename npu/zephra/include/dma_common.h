@@ -7,6 +7,7 @@
 
 #include "be_types.h"
 #include "dma_defs.h"
+#include "flb_defs.h"
 #include "fwc_types.h"
 
 std::uint32_t dma_build_cmd(std::uint32_t resource_id, std::uint32_t req_loc, std::uint32_t req_size,
@@ -19,8 +20,7 @@ void dma_packet_send_wait(env_t env);
 std::uint32_t dma_lb_resource_id_selection(std::uint32_t resource_id_0, std::uint32_t resource_id_1);
 std::uint32_t dma_lb_1_bit();
 void plu_get_m40_adrs(env_t env, std::uint32_t vaddr, std::uint32_t* m40ah, std::uint32_t* m40al);
-std::uint8_t* npu_reference_dmem(env_t env, std::uint8_t* local_ptr, const std::uint8_t* dmem_ptr,
-                                 std::uint32_t size);
+std::uint8_t* npu_reference_dmem(env_t env, std::uint8_t* local_ptr, const std::uint8_t* dmem_ptr, std::uint32_t size);
 
 // The big-endian words of the cell at data memory offset loc.
 inline be_u32* dma_cell_words(env_t env, std::uint32_t loc) {
@@ -97,8 +97,8 @@ void dma_write_32B(env_t env, std::uint32_t vaddr, std::uint32_t tlu_resource_id
                    std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts);
 void dma_write_48B(env_t env, std::uint32_t vaddr, std::uint32_t tlu_resource_id, const std::uint8_t* data,
                    std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts);
-void dma_alu_4B(env_t env, dma_alu_op_e op, std::uint32_t vaddr, std::uint32_t tlu_resource_id,
-                std::uint32_t operand, std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts);
+void dma_alu_4B(env_t env, dma_alu_op_e op, std::uint32_t vaddr, std::uint32_t tlu_resource_id, std::uint32_t operand,
+                std::uint32_t req_loc, std::uint32_t resp_loc, dma_write_opts_st opts);
 void dma_plu_read_32B(env_t env, std::uint32_t vaddr, std::uint32_t req_loc, std::uint32_t resp_loc);
 void dma_plu_write_32B(env_t env, std::uint32_t vaddr, const std::uint8_t* data, std::uint32_t req_loc,
                        std::uint32_t resp_loc, boolean_t resp);
@@ -115,7 +115,6 @@ void dma_tlu_condsub_4B(env_t env, std::uint32_t vaddr, std::uint32_t count, std
                         std::uint32_t resp_loc);
 
 // Flow-lock conversion, alone or with a 16-byte read behind it.
-void dma_flowlock_convert(env_t env, std::uint32_t flowlock_id, std::uint32_t flb_req_loc,
-                          std::uint32_t flb_resp_loc);
+void dma_flowlock_convert(env_t env, std::uint32_t flowlock_id, std::uint32_t flb_req_loc, std::uint32_t flb_resp_loc);
 void dma_flowlock_convert_and_read16(env_t env, std::uint32_t flowlock_id, std::uint32_t vaddr,
                                      std::uint32_t tlu_resource_id, std::uint32_t req_loc, std::uint32_t resp_loc);

@@ -3,23 +3,25 @@
 
 #include <cstdint>
 
+#include "be_types.h"
+
 // Resources, the target blocks of a DMA command.
 enum dma_resource_e : std::uint32_t {
-  RES_FLB = 44,               // packet send, free and next packet; flow locks
-  RES_ITC_ACL_QOS = 59,       // ACL and QoS key searches
-  RES_ITC_DIRECT = 63,        // direct TCAM searches
-  RES_IGPU = 80,              // classification
-  RES_TLU_LONG = 120,         // long commands: translation, policers, chain reads
-  RES_PLU = 200,              // prefix-unit commands
-  RES_WRR = 208,              // WRED queue table
-  RES_TLU_COUNTERS = 248,     // increments, conditional subtracts, learn counters
-  RES_TLU_DIV = 255,          // division and modulus, translation
-  RES_TLU_INVALIDATE = 336,   // cache invalidate
-  RES_TLU_READ_4B = 376,      // cached reads of 4, 8, 16, 32 bytes: 376..379
-  RES_TLU_READ_NC_4B = 380,   // the same without cache allocation: 380..383
+  RES_FLB = 44,              // packet send, free and next packet; flow locks
+  RES_ITC_ACL_QOS = 59,      // ACL and QoS key searches
+  RES_ITC_DIRECT = 63,       // direct TCAM searches
+  RES_IGPU = 80,             // classification
+  RES_TLU_LONG = 120,        // long commands: translation, policers, chain reads
+  RES_PLU = 200,             // prefix-unit commands
+  RES_WRR = 208,             // WRED queue table
+  RES_TLU_COUNTERS = 248,    // increments, conditional subtracts, learn counters
+  RES_TLU_DIV = 255,         // division and modulus, translation
+  RES_TLU_INVALIDATE = 336,  // cache invalidate
+  RES_TLU_READ_4B = 376,     // cached reads of 4, 8, 16, 32 bytes: 376..379
+  RES_TLU_READ_NC_4B = 380,  // the same without cache allocation: 380..383
   RES_TLU_READ_NC_32B = 383,
-  RES_TLU_LONG_WRITE = 504,   // long commands ahead of writes and ALU operations
-  RES_MEMORY = 511,           // physical memory requests
+  RES_TLU_LONG_WRITE = 504,  // long commands ahead of writes and ALU operations
+  RES_MEMORY = 511,          // physical memory requests
   // Not a block of the NPU: the software platform's counter of packets that
   // reached a handler which is not built yet (one word: the handler's number).
   RES_UNBUILT_HANDLER = 500,
@@ -68,22 +70,48 @@ enum dma_alu_op_e : std::uint32_t {
   OP_SEQNI32 = 10,
 };
 
-// Word 0 of a physical memory request: m40ah in bits 31..24, the byte mask in
-// 19..16, response wanted in bit 9, bit 8 always set, the opcode in 7..0.
-inline constexpr std::uint32_t MEM_REQ_BYTE_MASK_ALL = 0xF0000;
-inline constexpr std::uint32_t MEM_REQ_RESPONSE = 1u << 9;
-inline constexpr std::uint32_t MEM_REQ_BE = 1u << 8;
+// A physical memory request: the operation word, then the low 32 bits of
+// the address; data or operand follow from word 2. A long TLU command
+// forwards the same operation word to a virtual address.
+struct mem_request_st {
+  std::uint8_t bytes[8];
+  using op_word = be_bits<0, 0, 32>;
+  using m40ah = be_word_bits<0, 24, 8>;  // address bits 39..32
+  using byte_mask = be_word_bits<0, 16, 4>;
+  using response = be_word_bits<0, 9>;
+  using be = be_word_bits<0, 8>;
+  using opcode = be_word_bits<0, 0, 8>;
+  using address_low = be_bits<4, 0, 32>;
+};
+static_assert(sizeof(mem_request_st) == 8);
 
-constexpr std::uint32_t mem_req_word0(std::uint32_t m40ah, std::uint32_t opcode, bool byte_mask, bool resp) {
-  return (m40ah << 24) | (byte_mask ? MEM_REQ_BYTE_MASK_ALL : 0u) | (resp ? MEM_REQ_RESPONSE : 0u) | MEM_REQ_BE |
-         (opcode & 0xFF);
+// The operation word with every byte of the mask set or none.
+constexpr std::uint32_t mem_req_word0(std::uint32_t m40ah, std::uint32_t opcode, bool byte_mask, bool resp,
+                                      bool be = true) {
+  std::uint8_t w[sizeof(mem_request_st)] = {};
+  mem_request_st::m40ah::set_raw(w, m40ah);
+  mem_request_st::byte_mask::set_raw(w, byte_mask ? 0xF : 0);
+  mem_request_st::response::set_raw(w, resp);
+  mem_request_st::be::set_raw(w, be);
+  mem_request_st::opcode::set_raw(w, opcode);
+  return mem_request_st::op_word::get_raw(w);
 }
 
-// DMA command word fields.
-inline constexpr unsigned DMA_CMD_RESOURCE_SHIFT = 23;
-inline constexpr unsigned DMA_CMD_RESP_SIZE_SHIFT = 18;
-inline constexpr unsigned DMA_CMD_RESP_LOC_SHIFT = 12;
-inline constexpr unsigned DMA_CMD_REQ_SIZE_SHIFT = 7;
+// The DMA command word written to register 64: the resource, and where the
+// request and response stand in data memory and how long they are.
+struct dma_cmd_st {
+  std::uint8_t bytes[4];
+  using word = be_bits<0, 0, 32>;
+  using resource = be_word_bits<0, 23, 9>;
+  using resp_units = be_word_bits<0, 18, 5>;
+  using resp_cell = be_word_bits<0, 12, 6>;
+  using req_words = be_word_bits<0, 7, 5>;
+  using req_cell = be_word_bits<0, 0, 6>;
+};
+static_assert(sizeof(dma_cmd_st) == 4);
+inline constexpr std::uint32_t DMA_RESP_UNIT_BYTES = 8;
+inline constexpr std::uint32_t DMA_REQ_WORD_BYTES = 4;
+inline constexpr std::uint32_t DMA_CELL_BYTES = 16;
 
 // A request template of the request tables: bit 4 is the table, bits 3..0 the entry.
 constexpr std::uint32_t rtt_index(std::uint32_t table, std::uint32_t entry) { return (table << 4) | entry; }
@@ -96,9 +124,3 @@ inline constexpr std::uint32_t TLU_CMD_TMU_LPA = 0x00000A00;
 inline constexpr std::uint32_t TLU_CMD_ERC2 = 0x00000C00;
 inline constexpr std::uint32_t TLU_CMD_ERC3 = 0x00000D00;
 inline constexpr std::uint32_t TLU_CMD_ERC4 = 0x00000E00;
-// Flow-lock conversion requests to the FLB.
-inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT = 0x00000810;
-inline constexpr std::uint32_t FLB_CMD_FLOWLOCK_CONVERT_READ16 = 0x00000916;
-inline constexpr std::uint32_t FLB_CONVERT_READ16_WORD2 = 0x3AA;
-// Size of a packet-ending response: the next packet's 128-byte header area.
-inline constexpr std::uint32_t PKT_END_RESPONSE_BYTES = 128;

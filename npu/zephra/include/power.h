@@ -5,6 +5,11 @@
 
 #include <cstdint>
 
+// The program's side: the entry every NPU thread runs. It fills data memory
+// with 0xDEADBEEF, sets up the context and runs the packet loop for ever.
+// Whoever builds the platform hands it this function.
+[[noreturn]] void power_fwcore_main();
+
 std::uint8_t* power_get_dmem_start_addr();
 std::uint8_t* power_get_pkt_buf_start_addr();
 std::uint8_t* power_get_spill_start_addr();
@@ -23,10 +28,10 @@ void np_counter_monitor_check(std::uint32_t counter_index);
 // result read, so that a software platform can stop a result read through
 // the wrong lookup or a live cell reused. Locations are data memory offsets;
 // the names live as long as the process.
-void power_dbg_lookup_request(std::uint32_t lookup_id, const char* name, std::uint32_t req_loc,
-                              std::uint32_t req_size, std::uint32_t res_loc, std::uint32_t res_size);
-void power_dbg_lookup_result(std::uint32_t lookup_id, const char* name, std::uint32_t owner_id,
-                             const char* owner_name, std::uint32_t res_loc, std::uint32_t res_size);
+void power_dbg_lookup_request(std::uint32_t lookup_id, const char* name, std::uint32_t req_loc, std::uint32_t req_size,
+                              std::uint32_t res_loc, std::uint32_t res_size);
+void power_dbg_lookup_result(std::uint32_t lookup_id, const char* name, std::uint32_t owner_id, const char* owner_name,
+                             std::uint32_t res_loc, std::uint32_t res_size);
 // A new pass over the packet: no slot holds a result any more.
 void power_dbg_lookup_new_pass();
 // The drop-capture hook took the packet: a software platform may keep it.

@@ -36,9 +36,20 @@ inline constexpr std::uint32_t TLU_PAGED_RESOURCE = 120;
 // A paged record as a read names it: bits 31..26 the table page descriptor,
 // 25..2 the record, bit 1 the paged mark. The modulus and translation forms
 // take it without the mark.
+struct tlu_paged_word_st {
+  std::uint8_t bytes[4];
+  using word = be_bits<0, 0, 32>;
+  using tpd_idx = be_word_bits<0, 26, 6>;
+  using record_idx = be_word_bits<0, 2, 24>;
+  using paged = be_word_bits<0, 1>;
+};
+static_assert(sizeof(tlu_paged_word_st) == 4);
 inline constexpr std::uint32_t TLU_PAGED_MARK = 2;
 constexpr std::uint32_t tlu_paged_record(std::uint32_t tpd_idx, std::uint32_t record_idx) {
-  return (tpd_idx << 26) | (record_idx << 2);
+  std::uint8_t w[sizeof(tlu_paged_word_st)] = {};
+  tlu_paged_word_st::tpd_idx::set_raw(w, tpd_idx);
+  tlu_paged_word_st::record_idx::set_raw(w, record_idx);
+  return tlu_paged_word_st::word::get_raw(w);
 }
 constexpr std::uint32_t tlu_paged_word(std::uint32_t tpd_idx, std::uint32_t record_idx) {
   return tlu_paged_record(tpd_idx, record_idx) | TLU_PAGED_MARK;
@@ -48,6 +59,17 @@ constexpr std::uint32_t tlu_paged_word(std::uint32_t tpd_idx, std::uint32_t reco
 inline constexpr std::uint32_t TLU_CMD_TMU_LPA_PAGED = 0x00000A02;
 // Word 0 of a cache invalidate is m40ah << 24 OR this.
 inline constexpr std::uint32_t TLU_INVALIDATE_MARK = 2;
+
+// A template read with modulus: the command word (a paged record without the
+// mark), the denominator at byte 8 and the numerator at byte 12. The answer
+// (npu_mod_fields_st, then the record) lands over it.
+struct tlu_mod_request_st {
+  std::uint8_t bytes[16];
+  using cmd = be_bits<0, 0, 32>;
+  using denom = be_bits<8, 0, 32>;
+  using num = be_bits<12, 0, 32>;
+};
+static_assert(sizeof(tlu_mod_request_st) == 16);
 
 // The answer of the plain modulus command, and the part in front of the
 // data in the forms that return the result.

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "npu/zephra/pkt_buf.h"
-#include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "testkit/dispatch_probe.h"

@@ -7,7 +7,11 @@
 #include <vector>
 
 #include "be_types.h"
+#include "dist_hdr.h"
 #include "dplane/infra/ps_records.h"
+#include "fab_hdr.h"
+#include "fwc_port.h"
+#include "pdma_hdr.h"
 
 namespace {
 

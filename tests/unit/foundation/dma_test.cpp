@@ -6,6 +6,7 @@
 
 #include "arch_tie.h"
 #include "foundation_test_util.h"
+#include "model/dma_request.h"
 #include "timer.h"
 
 namespace {
@@ -32,7 +33,30 @@ TEST(DmaCommand, WordsOfTheFixedCommands) {
     std::uint32_t reg = 0;
     mk_dma_reg(r.resource, r.resp_size, r.resp_loc, r.req_size, r.req_loc, &reg);
     EXPECT_EQ(reg, r.word);
+    // The NPU reads the same word back, sizes in whole units.
+    const model::dma_cmd c = model::decode_dma_cmd(r.word);
+    EXPECT_EQ(c.resource, r.resource);
+    EXPECT_EQ(c.req_loc, r.req_loc);
+    EXPECT_EQ(c.req_bytes, (r.req_size + 3) / 4 * 4);
+    EXPECT_EQ(c.resp_loc, r.resp_loc);
+    EXPECT_EQ(c.resp_bytes, (r.resp_size + 7) / 8 * 8);
   }
+}
+
+TEST(DmaCommand, OperationWordsOfMemoryRequestsAndPagedRecords) {
+  struct row {
+    const char* name;
+    std::uint32_t built;
+    std::uint32_t word;
+  };
+  const row rows[] = {
+      {"16-byte read with response, no mask", mem_req_word0(0x12, MEM_OP_READ_16B, false, true), 0x120003AA},
+      {"increment with every byte", mem_req_word0(0x40, MEM_OP_INCR_4B, true, false), 0x400F0107},
+      {"increment-with-wrap first half", mem_req_word0(0x01, MEM_OP_INCR_4B, false, true, false), 0x01000207},
+      {"paged record 0x123 of descriptor 5", tlu_paged_record(5, 0x123), 0x1400048C},
+      {"the same with the paged mark", tlu_paged_word(5, 0x123), 0x1400048E},
+  };
+  for (const row& r : rows) EXPECT_EQ(r.built, r.word) << r.name;
 }
 
 TEST(DmaCommand, TwinBlockChoiceIsFixedPerThread) {

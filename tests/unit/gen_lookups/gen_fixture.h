@@ -11,22 +11,33 @@
 
 namespace gen_test {
 
+inline constexpr const char* TEMPLATES = R"(
+REQUEST_TEMPLATE(TLU_READ_16B, 0, 2, 16)
+REQUEST_TEMPLATE(TLU_READ_32B, 0, 3, 32)
+REQUEST_TEMPLATE(STATS_PAIR, 0, 8, 0)
+REQUEST_TEMPLATE(GLOBAL_COUNTER, 0, 10, 0)
+REQUEST_TEMPLATE(MOD_READ_16B, 1, 8, 32)
+REQUEST_TEMPLATE(MOD_READ_32B, 1, 9, 48)
+REQUEST_TEMPLATE(PLU_IPV4_SEARCH, 1, 11, 32)
+REQUEST_TEMPLATE(PLU_IPV6_SEARCH, 1, 12, 32)
+)";
+
 inline constexpr const char* IDENTIFIERS = R"(
-[engine form=read template=0.3 response=32]
+[engine form=read template=TLU_READ_32B]
 UIDB_L3_ING TX_ADJ GLOBAL_PKT_TRACE EGR_PORT_PART1 REPNODE
-[engine form=read template=0.2 response=16]
+[engine form=read template=TLU_READ_16B]
 PORT_CONFIG_ING NHINDEX
-[engine form=mod_read template=1.9 response=48]
+[engine form=mod_read template=MOD_READ_32B]
 L3_NRLDI_ING
-[engine form=glb_cnt template=0.10]
+[engine form=glb_cnt template=GLOBAL_COUNTER]
 STATS_INC_GLB_CNT
-[engine form=stats_add_inc template=0.8]
+[engine form=stats_add_inc template=STATS_PAIR]
 STATS_ADD_INC
-[engine form=stats_add_inc_split template=0.8]
+[engine form=stats_add_inc_split template=STATS_PAIR]
 STATS_ADD_INC_SPLIT
 [engine form=view]
 IP_LEAF_ING EGR_PORT_PART2
-[engine template=1.11]
+[engine template=PLU_IPV4_SEARCH]
 UC_DST_VPN_ING
 [engine resource=44]
 DROP_KEEP_PKT
@@ -64,7 +75,7 @@ mac 0x404C8A10 16
 // Catalogues of one engine family each: exact-key hash tables, the PLU's
 // route searches, and the TLU's paged modulus read.
 inline constexpr const char* HASH_IDENTIFIERS = R"(
-[engine form=read template=0.3 response=32]
+[engine form=read template=TLU_READ_32B]
 UIDB_L3_ING
 [hash_families]
 MPLS_RPF HOST_HASH MAPT_LOGG_HASH
@@ -87,11 +98,11 @@ HOST_HASH      -   -   A         16 16 data_plane
 )";
 
 inline constexpr const char* ROUTE_IDENTIFIERS = R"(
-[engine form=plu_ipv4 template=1.11 response=32]
+[engine form=plu_ipv4 template=PLU_IPV4_SEARCH]
 UC_DST_VPN_ING
-[engine form=plu_ipv6 template=1.12 response=32]
+[engine form=plu_ipv6 template=PLU_IPV6_SEARCH]
 IPV6_UC_DST_VPN_EGR
-[engine form=read template=0.3 response=32]
+[engine form=read template=TLU_READ_32B]
 TX_ADJ
 [tags]
 IPV4 IPV6 COMM
@@ -100,12 +111,13 @@ inline constexpr const char* ROUTE_TABLES = "[direct]\n0x40500000 32 TX_ADJ";
 
 inline std::string tlu_mod_identifiers(const std::string& response) {
   return "[engine form=tlu_mod_read_paged resource=120 response=" + response +
-         "]\nLAG_EGR\n[engine form=read template=0.2 response=16]\nLAG_INFO_EGR\n";
+         "]\nLAG_EGR\n[engine form=read template=TLU_READ_16B]\nLAG_INFO_EGR\n";
 }
 inline constexpr const char* TLU_MOD_TABLES = "[paged]\n4 16 LAG_EGR\n[direct]\n0x403A4200 16 LAG_INFO_EGR";
 
 // The catalogue with `rows` as lookups.txt, and what the generator says.
 struct generated {
+  generated() { gen::parse_request_templates(TEMPLATES, "request_templates.def", cat, errs); }
   gen::catalogue cat;
   gen::errors errs;
   std::vector<gen::lookup> lookups;

@@ -122,7 +122,7 @@ TEST(Output, TluModulusReadWritesTheLongCommandWithThePagedRecordAndTheSlotAsCel
 }
 
 std::string file_text(const std::string& name) {
-  std::ifstream in(std::string(LC_CATALOGUE_DIR) + "/" + name);
+  std::ifstream in(name.starts_with("/") ? name : std::string(LC_CATALOGUE_DIR) + "/" + name);
   std::ostringstream s;
   s << in.rdbuf();
   return s.str();
@@ -131,6 +131,7 @@ std::string file_text(const std::string& name) {
 TEST(Output, TheProgramsCatalogueHoldsTogether) {
   gen::catalogue cat;
   gen::errors errs;
+  gen::parse_request_templates(file_text(LC_REQUEST_TEMPLATES), "request_templates.def", cat, errs);
   gen::parse_identifiers(file_text("identifiers.txt"), "identifiers.txt", cat, errs);
   gen::parse_tables(file_text("tables.txt"), "tables.txt", cat, errs);
   gen::parse_lookups(file_text("lookups.txt"), "lookups.txt", cat, errs);

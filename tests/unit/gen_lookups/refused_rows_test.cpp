@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
         refused{"conversion_without_cell", "FLOWLOCK_CONVERT__TAIL live=tail", "needs cell=<request cell>"},
         refused{"modulus_read_of_a_direct_table", "LAG_INFO_ING__COMM slot=0x060 type=rec live=g",
                 "a read with modulus needs a paged table, and LAG_INFO_ING is not one",
-                "[engine form=mod_read template=1.8 response=32]\nLAG_INFO_ING\n[tags]\nCOMM",
+                "[engine form=mod_read template=MOD_READ_16B]\nLAG_INFO_ING\n[tags]\nCOMM",
                 "[direct]\n0x403A4200 16 LAG_INFO_ING"},
         refused{"tlu_modulus_read_of_a_direct_table", "LAG_EGR slot=0x0E0 type=rec live=egr",
                 "a read with modulus needs a paged table, and LAG_EGR is not one", tlu_mod_identifiers("16"),

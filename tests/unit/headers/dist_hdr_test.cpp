@@ -7,7 +7,7 @@
 
 #include "header_bytes.h"
 #include "npu/zephra/pkt_rx.h"
-#include "platform/varn/dist_hdr.h"
+#include "dist_hdr.h"
 #include "testkit/npu_harness.h"
 
 namespace {

@@ -5,9 +5,9 @@
 #include <array>
 #include <cstring>
 
+#include "dist_hdr.h"
 #include "dplane/infra/ps.h"
 #include "header_bytes.h"
-#include "platform/varn/dist_hdr.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "platform/varn/fab_hdr_backup.h"
 #include "platform/varn/fab_hdr_convert.h"

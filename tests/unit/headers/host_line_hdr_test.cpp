@@ -4,11 +4,11 @@
 #include <gtest/gtest.h>
 
 #include "header_bytes.h"
+#include "line_hdr.h"
+#include "pdma_hdr.h"
 #include "platform/varn/fab_hdr_convert.h"
-#include "platform/varn/line_hdr.h"
 #include "platform/varn/line_hdr_access.h"
-#include "platform/varn/pdma_hdr.h"
-#include "platform/varn/punt_inject_hdr.h"
+#include "punt_inject_hdr.h"
 
 namespace {
 

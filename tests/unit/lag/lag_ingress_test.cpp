@@ -2,13 +2,13 @@
 // for a bundle that asks for it, the member's number and VQI in the fabric
 // header, and the drop of a bundle that is not valid.
 #include "dplane/lag/lag_ing.h"
+#include "fab_hdr.h"
 #include "lag_test_util.h"
-#include "platform/varn/fab_hdr.h"
 
 namespace {
 
-using lag_test::BundleTest;
 using lag_test::bundle_of;
+using lag_test::BundleTest;
 using lag_test::VQI_BASE;
 
 constexpr std::uint32_t BUNDLE = 9;
@@ -48,13 +48,13 @@ TEST_P(IngressHash, ChoosesTheRemainderAndItsVqi) {
 }
 
 // 0xBCD is 3021: 3021 mod 7 = 4, while its low byte 0xCD, 205, mod 7 = 2.
-INSTANTIATE_TEST_SUITE_P(
-    Hashes, IngressHash,
-    ::testing::Values(hash_case{"whole_hash", 7, false, 0xBCD, 4}, hash_case{"truncated_takes_0xCD", 7, true, 0xBCD, 2},
-                      hash_case{"one_member_hash_bcd", 1, false, 0xBCD, 0},
-                      hash_case{"one_member_hash_fff", 1, false, 0xFFF, 0},
-                      hash_case{"sixty_four_members", 64, false, 0xFFF, 63}),
-    [](const ::testing::TestParamInfo<hash_case>& p) { return p.param.name; });
+INSTANTIATE_TEST_SUITE_P(Hashes, IngressHash,
+                         ::testing::Values(hash_case{"whole_hash", 7, false, 0xBCD, 4},
+                                           hash_case{"truncated_takes_0xCD", 7, true, 0xBCD, 2},
+                                           hash_case{"one_member_hash_bcd", 1, false, 0xBCD, 0},
+                                           hash_case{"one_member_hash_fff", 1, false, 0xFFF, 0},
+                                           hash_case{"sixty_four_members", 64, false, 0xFFF, 63}),
+                         [](const ::testing::TestParamInfo<hash_case>& p) { return p.param.name; });
 
 // The L3 form writes the member into its own byte of the header and the VQI
 // into the low 11 bits of the destination, and leaves the rest alone.

@@ -36,7 +36,7 @@ struct line_distribution_hdr_fields {
   using rsvd1 = be_bits<4, 1, 1>;
   using pktlen = be_bits<4, 2, 14>;
   using gpm_pkt_handle = be_bits<6, 0, 13>;
-  using igpb_queue = be_bits<7, 5, 7>;
+  using igpb_queue = be_bits<7, 5, 7>;  // INJECT_QUEUE_FIRST..LAST: injected by the host
   using scoreboard = be_bits<8, 4, 12>;
   using head_type_last = be_bits<10, 0, 8>;
   using head_ptr_last = be_bits<11, 0, 8>;
@@ -50,6 +50,18 @@ struct line_distribution_hdr : line_distribution_hdr_fields {
   std::uint8_t bytes[16];
 };
 static_assert(sizeof(line_distribution_hdr) == 16);
+
+// The input queues of the ports that carry the host's injected packets.
+inline constexpr std::uint32_t INJECT_QUEUE_FIRST = 80;
+inline constexpr std::uint32_t INJECT_QUEUE_LAST = 83;
+
+// Classes of a destination MAC (da_bits).
+enum da_bits_e : std::uint32_t {
+  DA_BITS_FOREIGN_UNICAST = 0,  // unicast to another station (the parser only)
+  DA_BITS_UNICAST = 1,
+  DA_BITS_CONTROL_MULTICAST = 2,  // the well-known control groups
+  DA_BITS_MULTICAST = 3,          // any other group, and broadcast
+};
 
 // The parser's and the port tables' results, bytes 16..31 of a line packet's
 // header. The first eight bytes have several views over the same bytes.
