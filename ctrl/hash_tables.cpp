@@ -34,8 +34,7 @@ Rec read_record(model::npu& n, memaddr_t addr) {
   return rec;
 }
 
-bool entry_holds(model::npu& n, memaddr_t entry, const lookup_hash_table_st& table,
-                 std::span<const std::uint8_t> key) {
+bool entry_holds(model::npu& n, memaddr_t entry, const lookup_hash_table_st& table, std::span<const std::uint8_t> key) {
   std::vector<std::uint8_t> stored(1 + key.size());
   read_bytes(n, entry, stored);
   return stored[0] == table.hash_tbl_id && std::equal(key.begin(), key.end(), stored.begin() + 1);
@@ -108,16 +107,14 @@ std::optional<hash_position_st> hash_tables::find(const lookup_hash_table_st& ta
   return std::nullopt;
 }
 
-hash_tables::chain_end hash_tables::last_bucket(const lookup_hash_table_st& table,
-                                                std::span<const std::uint8_t> key) {
+hash_tables::chain_end hash_tables::last_bucket(const lookup_hash_table_st& table, std::span<const std::uint8_t> key) {
   hash_memory_io io{n_, pool_};
   hash_chain_bucket_st c = hash_chain_load(io, hash_table_home_bucket(table, hash_table_key_hash(table, key)));
   while (c.link != 0) c = hash_chain_load(io, c.link);
   return {c.addr, c.count};
 }
 
-std::optional<memaddr_t> hash_tables::write_entry(const lookup_hash_table_st& table,
-                                                  std::span<const std::uint8_t> key,
+std::optional<memaddr_t> hash_tables::write_entry(const lookup_hash_table_st& table, std::span<const std::uint8_t> key,
                                                   std::span<const std::uint8_t> result) {
   const std::uint32_t size = entry_bytes(table);
   std::vector<memaddr_t>& reusable = free_entries_[size];

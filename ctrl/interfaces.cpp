@@ -144,8 +144,8 @@ interface_added interfaces::add_interface(std::uint32_t port, const std::vector<
     return refused(e);
   }
   indexes_.take_at(index);
-  const entry& e = entries_[index] = {{port, port_handles_.at(port), tags, *stats}, key_of(port, tags), cfg.if_handle,
-                                      l2};
+  const entry& e =
+      entries_[index] = {{port, port_handles_.at(port), tags, *stats}, key_of(port, tags), cfg.if_handle, l2};
   keys_.insert(e.key);
   handles_.insert(cfg.if_handle);
   write_records(n_, index, e.place, cfg);

@@ -14,10 +14,14 @@ constexpr std::uint8_t IPV6_MAX_LENGTH = 128;
 
 error of(model::plu_engine::change c) {
   switch (c) {
-    case model::plu_engine::change::done: return error::none;
-    case model::plu_engine::change::exists: return error::exists;
-    case model::plu_engine::change::missing: return error::not_found;
-    case model::plu_engine::change::no_vrf: return error::unknown_vrf;
+    case model::plu_engine::change::done:
+      return error::none;
+    case model::plu_engine::change::exists:
+      return error::exists;
+    case model::plu_engine::change::missing:
+      return error::not_found;
+    case model::plu_engine::change::no_vrf:
+      return error::unknown_vrf;
   }
   return error::none;
 }
@@ -30,7 +34,8 @@ error check(const route_prefix& p) {
     case route_family::ipv6:
       if (p.table > MAX_VRF) return error::unknown_vrf;
       [[fallthrough]];
-    case route_family::ipv6_link_local: return p.length > IPV6_MAX_LENGTH ? error::bad_prefix_length : error::none;
+    case route_family::ipv6_link_local:
+      return p.length > IPV6_MAX_LENGTH ? error::bad_prefix_length : error::none;
   }
   return error::out_of_range;  // a family value that names none
 }
@@ -38,28 +43,37 @@ error check(const route_prefix& p) {
 error check(const group_key& k) {
   switch (k.family) {
     case group_family::ipv4_vrf:
-    case group_family::ipv6_vrf: return k.table > MAX_VRF ? error::unknown_vrf : error::none;
+    case group_family::ipv6_vrf:
+      return k.table > MAX_VRF ? error::unknown_vrf : error::none;
     case group_family::ipv4_bridge:
-    case group_family::ipv6_bridge: return k.table > MAX_BD_ID ? error::out_of_range : error::none;
+    case group_family::ipv6_bridge:
+      return k.table > MAX_BD_ID ? error::out_of_range : error::none;
   }
   return error::out_of_range;  // a family value that names none
 }
 
 std::uint8_t key_code(route_family f) {
   switch (f) {
-    case route_family::ipv4: return PLU_IPV4_UNICAST;
-    case route_family::ipv6: return PLU_IPV6_UNICAST;
-    case route_family::ipv6_link_local: return PLU_IPV6_LL_UNICAST;
+    case route_family::ipv4:
+      return PLU_IPV4_UNICAST;
+    case route_family::ipv6:
+      return PLU_IPV6_UNICAST;
+    case route_family::ipv6_link_local:
+      return PLU_IPV6_LL_UNICAST;
   }
   return 0;
 }
 
 std::uint8_t key_code(group_family f) {
   switch (f) {
-    case group_family::ipv4_vrf: return PLU_IPV4_SG_VRF;
-    case group_family::ipv6_vrf: return PLU_IPV6_SG_VRF;
-    case group_family::ipv4_bridge: return PLU_L2M4_SG;
-    case group_family::ipv6_bridge: return PLU_L2M6_SG;
+    case group_family::ipv4_vrf:
+      return PLU_IPV4_SG_VRF;
+    case group_family::ipv6_vrf:
+      return PLU_IPV6_SG_VRF;
+    case group_family::ipv4_bridge:
+      return PLU_L2M4_SG;
+    case group_family::ipv6_bridge:
+      return PLU_L2M6_SG;
   }
   return 0;
 }

@@ -18,7 +18,9 @@ using protected_record = std::array<std::uint8_t, PROTECTED_RECORD_BYTES>;
 
 // Shadow copies live in an area of their own, one 32-byte place each.
 inline constexpr std::uint32_t SHADOW_AREA_BASE = 0x9F000000;
-constexpr std::uint32_t shadow_address(std::uint32_t place) { return SHADOW_AREA_BASE + place * PROTECTED_RECORD_BYTES; }
+constexpr std::uint32_t shadow_address(std::uint32_t place) {
+  return SHADOW_AREA_BASE + place * PROTECTED_RECORD_BYTES;
+}
 
 void enter_forward_state(model::npu& n, std::uint32_t record, std::uint32_t shadow);
 void leave_forward_state(model::npu& n, std::uint32_t record, const protected_record& contents);

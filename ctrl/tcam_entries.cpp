@@ -17,8 +17,7 @@ constexpr std::uint32_t RESULT_SHADOW_PLACES = 0x40000;
 bool is_key_width(std::uint32_t bits) {
   if (bits % ITC_KEY_UNIT_BITS != 0) return false;
   const std::uint32_t size = bits / ITC_KEY_UNIT_BITS;
-  return size == ITC_KEY_80 || size == ITC_KEY_160 || size == ITC_KEY_320 || size == ITC_KEY_400 ||
-         size == ITC_KEY_640;
+  return size == ITC_KEY_80 || size == ITC_KEY_160 || size == ITC_KEY_320 || size == ITC_KEY_400 || size == ITC_KEY_640;
 }
 
 bool value_outside_mask(std::span<const std::uint8_t> value, std::span<const std::uint8_t> mask) {
@@ -36,7 +35,8 @@ model::igpu_engine::key igpu_key(const igpu_resp_match_request_& req) {
 
 }  // namespace
 
-error tcam_entries::configure_profile(std::uint32_t profile, std::uint32_t key_bits, std::span<const std::uint8_t> bmr) {
+error tcam_entries::configure_profile(std::uint32_t profile, std::uint32_t key_bits,
+                                      std::span<const std::uint8_t> bmr) {
   if (profile >= model::tcam_engine::PROFILES) return error::out_of_range;
   if (!is_key_width(key_bits)) return error::bad_size;
   const std::size_t key_bytes = key_bits / 8;

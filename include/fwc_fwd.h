@@ -15,7 +15,7 @@ struct rxadj_fields_st {
   using iptunl_adj = be_bits<0, 1, 1>;
   using pwhe = be_bits<0, 2, 1>;
   using cgn_enabled = be_bits<0, 3, 1>;
-  using adj_down = be_bits<0, 4, 1>;        // FRR takes the backup
+  using adj_down = be_bits<0, 4, 1>;  // FRR takes the backup
   using mgscp_en = be_bits<0, 5, 1>;
   using rx_lag_hash_en = be_bits<0, 6, 1>;  // the bundle hash stands in the adjacency
   using rx_lag_adj = be_bits<0, 7, 1>;      // the output is a bundle: rx::lag_id holds

@@ -64,7 +64,7 @@ class flow_locks {
   void pass_head_locked(std::uint32_t thread);
 
   std::mutex mutex_;
-  std::vector<queue> queues_;           // by lock number, the arrival lock last
+  std::vector<queue> queues_;          // by lock number, the arrival lock last
   std::unique_ptr<holder[]> holders_;  // by thread
 };
 

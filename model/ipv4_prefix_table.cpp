@@ -99,9 +99,8 @@ void ipv4_prefix_table::cover(std::uint32_t group, std::uint32_t first, std::uin
       }
       continue;
     }
-    const bool replaced = rw.which == replace::not_longer
-                              ? kind_of(e) == EMPTY || depth_of(e) <= rw.length
-                              : kind_of(e) == LEAF && depth_of(e) == rw.length;
+    const bool replaced = rw.which == replace::not_longer ? kind_of(e) == EMPTY || depth_of(e) <= rw.length
+                                                          : kind_of(e) == LEAF && depth_of(e) == rw.length;
     if (replaced) at(group, i) = rw.with;
   }
 }

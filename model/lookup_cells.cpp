@@ -26,8 +26,8 @@ span cells_of(std::uint32_t loc, std::uint32_t size, std::uint32_t cell_bytes, s
 
 }  // namespace
 
-std::string lookup_cells::request(std::uint32_t id, const char* name, std::uint32_t req_loc,
-                                  std::uint32_t req_size, std::uint32_t res_loc, std::uint32_t res_size) {
+std::string lookup_cells::request(std::uint32_t id, const char* name, std::uint32_t req_loc, std::uint32_t req_size,
+                                  std::uint32_t res_loc, std::uint32_t res_size) {
   const span req = cells_of(req_loc, req_size, CELL_BYTES, CELLS);
   const span res = cells_of(res_loc, res_size, CELL_BYTES, CELLS);
   for (const span& s : {req, res}) {

@@ -22,8 +22,8 @@ class lookup_cells {
   // Each returns what broke, or an empty string.
   std::string request(std::uint32_t id, const char* name, std::uint32_t req_loc, std::uint32_t req_size,
                       std::uint32_t res_loc, std::uint32_t res_size);
-  std::string result(const char* name, std::uint32_t owner_id, const char* owner_name,
-                     std::uint32_t res_loc, std::uint32_t res_size);
+  std::string result(const char* name, std::uint32_t owner_id, const char* owner_name, std::uint32_t res_loc,
+                     std::uint32_t res_size);
 
  private:
   static constexpr std::uint32_t CELL_BYTES = 16;

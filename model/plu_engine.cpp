@@ -37,7 +37,8 @@ plu_engine::route_table plu_engine::find_table(std::uint8_t code, std::uint32_t 
     case PLU_IPV6_LL_UNICAST:
       if (auto it = link_local_.find(table); it != link_local_.end()) return {nullptr, it->second.get()};
       break;
-    default: break;
+    default:
+      break;
   }
   return {};
 }

@@ -93,7 +93,7 @@ class plu_engine {
   static group_bytes group_of(const plu_group_key& key);
 
   mutable read_mostly_lock lock_;
-  std::vector<std::unique_ptr<vrf_tables>> vrfs_;  // by VRF; null: not added
+  std::vector<std::unique_ptr<vrf_tables>> vrfs_;                                     // by VRF; null: not added
   std::unordered_map<std::uint32_t, std::unique_ptr<ipv6_prefix_table>> link_local_;  // by interface handle
   std::unordered_map<group_bytes, plu_group_leaf, group_hash> groups_;
   std::vector<plu_route_leaf> leaves_;

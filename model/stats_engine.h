@@ -16,7 +16,7 @@ void stats_add(npu_thread& t, std::uint32_t address, std::uint32_t bytes);
 // count one, the add-and-increment counts one packet of `operand` bytes, the
 // reads answer with the count (a global counter: 8 bytes; an entry: the low
 // 32 bits of packets, then of bytes), read-and-clear clears it too.
-void stats_memory_op(npu_thread& t, std::uint32_t opcode, paddr_t addr, std::uint32_t operand,
-                     std::uint8_t* resp, std::uint32_t resp_bytes);
+void stats_memory_op(npu_thread& t, std::uint32_t opcode, paddr_t addr, std::uint32_t operand, std::uint8_t* resp,
+                     std::uint32_t resp_bytes);
 
 }  // namespace model

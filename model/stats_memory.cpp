@@ -40,6 +40,8 @@ stats_entry stats_memory::entry(std::uint32_t index) const {
   return {packets(index).load(std::memory_order_relaxed), bytes(index).load(std::memory_order_relaxed)};
 }
 
-stats_entry stats_memory::read_clear(std::uint32_t index) { return {packets(index).exchange(0), bytes(index).exchange(0)}; }
+stats_entry stats_memory::read_clear(std::uint32_t index) {
+  return {packets(index).exchange(0), bytes(index).exchange(0)};
+}
 
 }  // namespace model

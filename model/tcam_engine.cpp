@@ -49,8 +49,8 @@ void tcam_engine::remove(std::uint32_t index) {
   const auto it = profile_of_.find(index);
   if (it == profile_of_.end()) return;
   profile_table& p = profiles_[it->second];
-  const auto pos = static_cast<std::size_t>(std::lower_bound(p.indexes.begin(), p.indexes.end(), index) -
-                                            p.indexes.begin());
+  const auto pos =
+      static_cast<std::size_t>(std::lower_bound(p.indexes.begin(), p.indexes.end(), index) - p.indexes.begin());
   p.indexes.erase(p.indexes.begin() + static_cast<std::ptrdiff_t>(pos));
   const auto first = static_cast<std::ptrdiff_t>(pos * p.key_bytes);
   const auto last = first + static_cast<std::ptrdiff_t>(p.key_bytes);

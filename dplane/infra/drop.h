@@ -41,4 +41,3 @@ void check_multipass_drop(env_t env);
 void npu_drop_packet_guts(env_t env);
 void npu_drop_keep_packet(env_t env);
 void npu_drop_capture_inline(env_t env, std::uint32_t drop_reason, const std::uint8_t* pkt_start);
-

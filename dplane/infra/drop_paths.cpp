@@ -28,26 +28,41 @@ struct drop_path_st {
   void (*egr_netflow)(env_t env);
 };
 
-constexpr drop_path_st DROP_PATH_IPV4 = {
-    true, ing_rec::ipv4::nf_en::get<ing_rec>, ipv4_ing_netflow_part_1_2, span_capture_ipv4_ing,
-    lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPV4, egr_rec::ipv4_nf_en::get<egr_rec>,
-    ipv4_egr_netflow_part_1};
-constexpr drop_path_st DROP_PATH_IPV6 = {
-    true, ing_rec::ipv6::nf_en::get<ing_rec>, ipv6_ing_netflow_part_1_2, span_capture_ipv6_ing,
-    lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPV6, egr_rec::ipv6_nf_en::get<egr_rec>,
-    ipv6_egr_netflow_part_1};
-constexpr drop_path_st DROP_PATH_IPM4 = {
-    true, ing_rec::ipv4::nf_en::get<ing_rec>, ipv4_ing_netflow_part_1_2, span_capture_ipv4_ing,
-    lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPM4, egr_rec::ipv4_nf_en::get<egr_rec>,
-    ipm4_egr_netflow_part_1};
-constexpr drop_path_st DROP_PATH_IPM6 = {
-    true, ing_rec::ipv6::nf_en::get<ing_rec>, ipv6_ing_netflow_part_1_2, span_capture_ipv6_ing,
-    lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPM6, egr_rec::ipv6_nf_en::get<egr_rec>,
-    ipm6_egr_netflow_part_1};
-constexpr drop_path_st DROP_PATH_MPLS = {
-    true, ing_rec::mpls::nf_en::get<ing_rec>, mpls_ing_netflow_part_1_2, span_capture_mpls_ing,
-    lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_MPLS, egr_rec::mpls_nf_en::get<egr_rec>,
-    mpls_egr_netflow_part_1};
+constexpr drop_path_st DROP_PATH_IPV4 = {true,
+                                         ing_rec::ipv4::nf_en::get<ing_rec>,
+                                         ipv4_ing_netflow_part_1_2,
+                                         span_capture_ipv4_ing,
+                                         lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPV4,
+                                         egr_rec::ipv4_nf_en::get<egr_rec>,
+                                         ipv4_egr_netflow_part_1};
+constexpr drop_path_st DROP_PATH_IPV6 = {true,
+                                         ing_rec::ipv6::nf_en::get<ing_rec>,
+                                         ipv6_ing_netflow_part_1_2,
+                                         span_capture_ipv6_ing,
+                                         lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPV6,
+                                         egr_rec::ipv6_nf_en::get<egr_rec>,
+                                         ipv6_egr_netflow_part_1};
+constexpr drop_path_st DROP_PATH_IPM4 = {true,
+                                         ing_rec::ipv4::nf_en::get<ing_rec>,
+                                         ipv4_ing_netflow_part_1_2,
+                                         span_capture_ipv4_ing,
+                                         lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPM4,
+                                         egr_rec::ipv4_nf_en::get<egr_rec>,
+                                         ipm4_egr_netflow_part_1};
+constexpr drop_path_st DROP_PATH_IPM6 = {true,
+                                         ing_rec::ipv6::nf_en::get<ing_rec>,
+                                         ipv6_ing_netflow_part_1_2,
+                                         span_capture_ipv6_ing,
+                                         lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_IPM6,
+                                         egr_rec::ipv6_nf_en::get<egr_rec>,
+                                         ipm6_egr_netflow_part_1};
+constexpr drop_path_st DROP_PATH_MPLS = {true,
+                                         ing_rec::mpls::nf_en::get<ing_rec>,
+                                         mpls_ing_netflow_part_1_2,
+                                         span_capture_mpls_ing,
+                                         lookup_request_ID_STATS_UIDB_ADD_INC__EARLY_DROP_MPLS,
+                                         egr_rec::mpls_nf_en::get<egr_rec>,
+                                         mpls_egr_netflow_part_1};
 constexpr drop_path_st DROP_PATH_NETFLOW = {false, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
 
 bool injected(env_t env) { return inject_flags_st::injected_pkt::get(*ps_get_inject_flags(env)) != 0; }

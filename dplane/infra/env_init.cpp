@@ -25,9 +25,9 @@ constexpr std::uint32_t KEEP_W0_PWHE = be_word_mask<0, cf::critical_priority, cf
 constexpr std::uint32_t KEEP_W1_ALWAYS = be_word_mask<4, cf::gpm_allocated>();
 constexpr std::uint32_t KEEP_W1_PWHE = be_word_mask<4, cf::l1_oh_en>();
 constexpr std::uint32_t KEEP_W1_NOT_PWHE = be_word_mask<4, cf::gre_encap>();
-constexpr std::uint32_t KEEP_F2_ALWAYS = be_word_mask<0, cf2::is_bvi, cf2::entropy_label_invalid_or_is_sfi,
-                                                      cf2::rx_tx_adj_pwhe, cf2::gre_over_mpls,
-                                                      cf2::preroute_use_vlan_tags>();
+constexpr std::uint32_t KEEP_F2_ALWAYS =
+    be_word_mask<0, cf2::is_bvi, cf2::entropy_label_invalid_or_is_sfi, cf2::rx_tx_adj_pwhe, cf2::gre_over_mpls,
+                 cf2::preroute_use_vlan_tags>();
 constexpr std::uint32_t KEEP_F2_PWHE = be_word_mask<0, cf2::queue_en, cf2::pwhe>();
 
 be_u32* flag_word(void* rec, std::size_t byte) {

@@ -49,8 +49,8 @@ void hash_search_part_1(env_t env, const hash_search_desc_st& d, void* key, hash
 // two buckets: the remainder comes from the TLU, the bucket is read without
 // cache allocation, and a bucket of odd number has its group's first bucket
 // as prev_bucket_addr.
-void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key,
-                                  hash_search_context_st* context, memaddr_t base_addr);
+void hash_search_part_1_base_addr(env_t env, const hash_search_desc_st& d, void* key, hash_search_context_st* context,
+                                  memaddr_t base_addr);
 // Part 1 of a writer: the home bucket's lock first, by the bucket's address
 // in the lock's family, then the read as above. Returns the lock's handle,
 // or BITMAP_LOCK_TAKEN when the lock was taken and not waited for: then no

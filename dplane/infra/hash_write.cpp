@@ -93,14 +93,13 @@ memaddr_t hash_delete(env_t env, hash_manage_context_st* ctx, memaddr_t bucket_i
 
 memaddr_t hash_replace(env_t env, hash_manage_context_st* ctx, memaddr_t new_entry_addr) {
   dma_bucket_io io{env, 0, FALSE};
-  return hash_chain_replace(io, ctx->ext.bucket_addr.get(), ctx->search_ctx.bucket_entry_index.get(),
-                            new_entry_addr);
+  return hash_chain_replace(io, ctx->ext.bucket_addr.get(), ctx->search_ctx.bucket_entry_index.get(), new_entry_addr);
 }
 
 void hash_bucket_write(env_t env, std::uint32_t dst_mem_addr, const hash_search_bucket_st* src_bucket) {
   const saved_head saved = save_head(env);
-  dma_write_16B(env, dst_mem_addr, RES_TLU_LONG_WRITE, reinterpret_cast<const std::uint8_t*>(src_bucket),
-                WRITE_CELL, WRITE_CELL, LANDED_AND_INVALIDATED);
+  dma_write_16B(env, dst_mem_addr, RES_TLU_LONG_WRITE, reinterpret_cast<const std::uint8_t*>(src_bucket), WRITE_CELL,
+                WRITE_CELL, LANDED_AND_INVALIDATED);
   restore_head(env, saved);
 }
 

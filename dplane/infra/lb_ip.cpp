@@ -46,13 +46,15 @@ std::uint32_t l4_partial(env_t env, std::uint8_t protocol, std::uint8_t* l4) {
   if (!fits(l4, WORD_BYTES, pkt_get_rx_packet_end(env))) return 0;
   switch (protocol) {
     case IP_PROTO_TCP:
-    case IP_PROTO_SCTP: return word_at(l4);
+    case IP_PROTO_SCTP:
+      return word_at(l4);
     case IP_PROTO_UDP:
       if (reinterpret_cast<const udp_hdr_st*>(l4)->dst_port.get() == UDP_PORT_GTP_U) {
         return hash_decode_gtp_hdr(env, l4);
       }
       return word_at(l4);
-    default: return 0;
+    default:
+      return 0;
   }
 }
 
@@ -65,11 +67,13 @@ bool is_port_protocol(std::uint8_t protocol) {
 const std::uint8_t* gtp_inner(const std::uint8_t* l4) {
   const std::uint8_t flags = l4[GTP_FLAGS_OFFSET];
   switch (flags >> GTP_VERSION_SHIFT) {
-    case 2: return (flags & GTP_FLAG_T) ? l4 + GTP_V2_INNER_OFFSET : nullptr;
+    case 2:
+      return (flags & GTP_FLAG_T) ? l4 + GTP_V2_INNER_OFFSET : nullptr;
     case 1:
       if (flags & GTP_FLAG_E) return nullptr;
       return l4 + ((flags & (GTP_FLAG_S | GTP_FLAG_PN)) ? GTP_V1_OPTIONS_INNER_OFFSET : GTP_V1_INNER_OFFSET);
-    default: return nullptr;
+    default:
+      return nullptr;
   }
 }
 
@@ -217,6 +221,7 @@ std::uint32_t hash_decode_gtp_hdr(env_t env, std::uint8_t* l4) {
       const auto* v6 = reinterpret_cast<const ipv6_hdr_st*>(inner);
       return teid ^ ipv6_dst_fold(v6->dst_addr) ^ ipv6_src_fold(v6->src_addr);
     }
-    default: return teid;
+    default:
+      return teid;
   }
 }

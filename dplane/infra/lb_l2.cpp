@@ -33,10 +33,14 @@ bool fits(const std::uint8_t* p, std::uint32_t bytes, const std::uint8_t* end) {
 // The kind of the packet state's L3 type, which numbers the kinds from 0.
 std::uint32_t l3_kind_of_path(env_t env) {
   switch (cf::l3_type::get(*ps_get_common_flags(env))) {
-    case L3_IPV4: return L3_KIND_IPV4;
-    case L3_IPV6: return L3_KIND_IPV6;
-    case L3_MPLS: return L3_KIND_MPLS;
-    default: return bufhdr_l3_type_other_e;
+    case L3_IPV4:
+      return L3_KIND_IPV4;
+    case L3_IPV6:
+      return L3_KIND_IPV6;
+    case L3_MPLS:
+      return L3_KIND_MPLS;
+    default:
+      return bufhdr_l3_type_other_e;
   }
 }
 
@@ -94,9 +98,12 @@ std::uint32_t l2vpn_calc_hash_slow(env_t env, ether_hdr* eth, std::uint32_t l3_t
   const std::uint8_t tags = parse_ether_type_fast(env, eth, &type);
   std::uint8_t* l3 = reinterpret_cast<std::uint8_t*>(eth) + ETHER_HDR_BYTES + tags * VLAN_TAG_BYTES;
   switch (type) {
-    case ETHERTYPE_IPV4: return ip_or_ether(env, eth, L3_KIND_IPV4, l3, ifhandle, router_id, pkt_end);
-    case ETHERTYPE_IPV6: return ip_or_ether(env, eth, L3_KIND_IPV6, l3, ifhandle, router_id, pkt_end);
-    default: return hash_lb_ether(eth);
+    case ETHERTYPE_IPV4:
+      return ip_or_ether(env, eth, L3_KIND_IPV4, l3, ifhandle, router_id, pkt_end);
+    case ETHERTYPE_IPV6:
+      return ip_or_ether(env, eth, L3_KIND_IPV6, l3, ifhandle, router_id, pkt_end);
+    default:
+      return hash_lb_ether(eth);
   }
 }
 
@@ -129,6 +136,7 @@ std::uint32_t span_calc_hash_l3(env_t env, ether_hdr* eth, std::uint32_t l2_hdr_
       const auto* v6 = static_cast<const ipv6_hdr_st*>(ip);
       return hash_lb_ipv6_base(v6->src_addr, v6->dst_addr, router_id, FALSE, 0);
     }
-    default: return hash_lb_ether(eth);
+    default:
+      return hash_lb_ether(eth);
   }
 }

@@ -91,9 +91,12 @@ std::uint32_t hash_lb_mpls_racetrack(env_t env, mpls_hdr_st* mpls, std::uint32_t
   if (n <= PAYLOAD_MAX_LABELS) {
     std::uint8_t* payload = reinterpret_cast<std::uint8_t*>(mpls + n);
     switch (payload[0] >> 4) {
-      case 4: return hash_lb_ipv4(env, reinterpret_cast<ipv4_hdr_st*>(payload), if_handle, router_id);
-      case 6: return hash_lb_ipv6(env, reinterpret_cast<ipv6_hdr_st*>(payload), if_handle, router_id);
-      default: break;
+      case 4:
+        return hash_lb_ipv4(env, reinterpret_cast<ipv4_hdr_st*>(payload), if_handle, router_id);
+      case 6:
+        return hash_lb_ipv6(env, reinterpret_cast<ipv6_hdr_st*>(payload), if_handle, router_id);
+      default:
+        break;
     }
   }
   if (n <= PARSER_MAX_LABELS) return hash_lb_mpls_base(label_of(mpls, n - 1), if_handle, router_id);

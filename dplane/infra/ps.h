@@ -11,9 +11,9 @@
 
 #define PS_DMEM(name, type) \
   inline type* ps_field_addr_##name(env_t env) { return &env->ps.f_##name; }
-#define PS_TLM(name, type)                                                                    \
-  inline type* ps_field_addr_##name(env_t env) {                                              \
-    return &reinterpret_cast<ps_tlm_fields*>(env->ps.f_thread_local_mem)->f_##name;          \
+#define PS_TLM(name, type)                                                          \
+  inline type* ps_field_addr_##name(env_t env) {                                    \
+    return &reinterpret_cast<ps_tlm_fields*>(env->ps.f_thread_local_mem)->f_##name; \
   }
 #include "ps_fields.def"
 #undef PS_DMEM
@@ -25,12 +25,12 @@ inline common_flags2_st* ps_field_addr_common_flags2(env_t env) { return &env->c
 
 void ps_print_bytes(const char* prefix, const char* field, const void* addr, std::uint32_t size);
 
-#define PS_ACCESSORS(name, type)                                                                    \
-  inline type* ps_put_def_##name(env_t env) { return ps_field_addr_##name(env); }                  \
-  inline type* ps_put_mod_##name(env_t env) { return ps_field_addr_##name(env); }                  \
-  inline type* ps_get_##name(env_t env) { return ps_field_addr_##name(env); }                      \
-  inline void ps_print_##name(env_t env, const char* prefix, const char* field) {                  \
-    ps_print_bytes(prefix, field, ps_field_addr_##name(env), sizeof(type));                        \
+#define PS_ACCESSORS(name, type)                                                  \
+  inline type* ps_put_def_##name(env_t env) { return ps_field_addr_##name(env); } \
+  inline type* ps_put_mod_##name(env_t env) { return ps_field_addr_##name(env); } \
+  inline type* ps_get_##name(env_t env) { return ps_field_addr_##name(env); }     \
+  inline void ps_print_##name(env_t env, const char* prefix, const char* field) { \
+    ps_print_bytes(prefix, field, ps_field_addr_##name(env), sizeof(type));       \
   }
 #define PS_DMEM(name, type) PS_ACCESSORS(name, type)
 #define PS_TLM(name, type) PS_ACCESSORS(name, type)

@@ -221,7 +221,6 @@ struct ip_l4_info_st {
 };
 static_assert(sizeof(ip_l4_info_st) == 8);
 
-
 struct mpls_label_lkp_key_st {
   std::uint8_t bytes[4];
   using zeros = be_bits<0, 0, 11>;

@@ -38,8 +38,7 @@ inline constexpr memaddr_t HASH_INDEX_Q_BASE = 0x404ACA00;
 
 // Writes the control block of a queue whose array holds `count` free
 // indices from slot 0 on.
-void q_index_q_init(env_t env, memaddr_t q, memaddr_t index_array, std::uint32_t index_array_size,
-                    std::uint32_t count);
+void q_index_q_init(env_t env, memaddr_t q, memaddr_t index_array, std::uint32_t index_array_size, std::uint32_t count);
 // The next free index, or 0 when none is free.
 std::uint32_t q_index_q_pop(env_t env, memaddr_t q);
 void q_index_q_push(env_t env, memaddr_t q, std::uint32_t index);

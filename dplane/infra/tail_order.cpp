@@ -18,8 +18,8 @@ enum tail_kind_e : std::uint32_t {
   TAIL_KIND_L2 = 1u << 4,
   TAIL_KIND_INJECT = 1u << 5,
 };
-constexpr std::uint32_t ALL_KINDS = TAIL_KIND_IPV4 | TAIL_KIND_IPV6 | TAIL_KIND_MPLS | TAIL_KIND_MVPN | TAIL_KIND_L2 |
-                                    TAIL_KIND_INJECT;
+constexpr std::uint32_t ALL_KINDS =
+    TAIL_KIND_IPV4 | TAIL_KIND_IPV6 | TAIL_KIND_MPLS | TAIL_KIND_MVPN | TAIL_KIND_L2 | TAIL_KIND_INJECT;
 
 struct tail_step_st {
   tail_proc_func_e func;

@@ -37,8 +37,8 @@ bool hash_form(env_t env, std::uint32_t thread_bits) {
   if (common_flags2_st::gre_over_mpls::get(*ps_get_common_flags2(env))) return true;
   if (!has(thread_bits, LAG_EGR_HASH)) return false;
   using use_lag_sel = multipass_param_t::u::gre_encap::egr::flags::use_lag_sel;
-  const bool member_kept = egr_rec::bundle_lb_hash_en::get(egress_record(env)) ||
-                           use_lag_sel::get(*ps_get_multipass_param(env));
+  const bool member_kept =
+      egr_rec::bundle_lb_hash_en::get(egress_record(env)) || use_lag_sel::get(*ps_get_multipass_param(env));
   return !(has(thread_bits, LAG_EGR_HASH_OPTIONAL) && member_kept);
 }
 
@@ -85,7 +85,7 @@ lag_egr_result_e base_egr_lag_process(env_t env, std::uint32_t lag_id, std::uint
 
 lag_egr_result_e l3_egr_lag_process(env_t env, std::uint32_t thread_bits, std::uint32_t* drop_np_counter) {
   const lag_choice c = hash_form(env, thread_bits) ? lag_choice{hash_get_lag_bits(*ps_get_l3_raw_hash(env)), TRUE}
-                                                    : member_form(env, thread_bits);
+                                                   : member_form(env, thread_bits);
   const std::uint32_t lag_id = egr_rec::out_if::lag_id::get(egress_record(env));
   return base_egr_lag_process(env, lag_id, c.lag_sel, c.use_hash, drop_np_counter);
 }

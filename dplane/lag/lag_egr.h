@@ -16,13 +16,13 @@ enum lag_egr_result_e : std::uint32_t {
 };
 
 // Thread bits of l3_egr_lag_process's callers.
-inline constexpr std::uint32_t LAG_EGR_RAW_HASH_INJECTED = 0x01;  // with use_ps_raw_hash: hash an injected packet
+inline constexpr std::uint32_t LAG_EGR_RAW_HASH_INJECTED = 0x01;   // with use_ps_raw_hash: hash an injected packet
 inline constexpr std::uint32_t LAG_EGR_HEADER_MEMBER_ONLY = 0x02;  // the fabric header's member, whatever else
 inline constexpr std::uint32_t LAG_EGR_INJECT_MEMBER = 0x08;       // the inject header's member
 inline constexpr std::uint32_t LAG_EGR_HASH = 0x10;                // hash, unless the interface or pass says no
 // With LAG_EGR_HASH: bundle_lb_hash_en or the pass's use_lag_sel keep the header's member.
 inline constexpr std::uint32_t LAG_EGR_HASH_OPTIONAL = 0x20;
-inline constexpr std::uint32_t LAG_EGR_ALWAYS_HASH = 0x40;         // with LAG_EGR_HASH: hash in any case
+inline constexpr std::uint32_t LAG_EGR_ALWAYS_HASH = 0x40;  // with LAG_EGR_HASH: hash in any case
 
 // lag_sel: a member number (use_hash false) or hash bits (use_hash true), of
 // which a bundle that truncates its hash takes the low 8.

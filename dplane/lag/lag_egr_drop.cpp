@@ -18,10 +18,10 @@ void plain_drop(env_t env, std::uint32_t drop_counter_index) { drop_packet(env, 
 
 }  // namespace
 
-#define LAG_EGR_DROP_KIND(kind, drop)                                                 \
-  func_rc_e l3_egr_lag_drop_##kind(env_t env, std::uint32_t drop_counter_index) {    \
-    drop(env, drop_counter_index);                                                    \
-    return RC_PKT_DROP;                                                               \
+#define LAG_EGR_DROP_KIND(kind, drop)                                             \
+  func_rc_e l3_egr_lag_drop_##kind(env_t env, std::uint32_t drop_counter_index) { \
+    drop(env, drop_counter_index);                                                \
+    return RC_PKT_DROP;                                                           \
   }
 #include "lag_egr_drop_kinds.def"
 #undef LAG_EGR_DROP_KIND

@@ -31,9 +31,12 @@ std::uint32_t mgscp_address_hash(env_t env, const adj_st& adj, const std::uint8_
   const auto* v4 = reinterpret_cast<const ipv4_hdr_st*>(l3_hdr);
   const auto* v6 = reinterpret_cast<const ipv6_hdr_st*>(l3_hdr);
   switch (adj_st::lag::rhb_hash_select::get(adj)) {
-    case LAG_RHB_DST_ADDR: return ipv4 ? hash_lb_ipv4_dst_addr(v4) : hash_lb_ipv6_dst_addr(v6);
-    case LAG_RHB_SRC_ADDR: return ipv4 ? hash_lb_ipv4_src_addr(v4) : hash_lb_ipv6_src_addr(v6);
-    default: return hash_get_lag_bits(raw_hash);
+    case LAG_RHB_DST_ADDR:
+      return ipv4 ? hash_lb_ipv4_dst_addr(v4) : hash_lb_ipv6_dst_addr(v6);
+    case LAG_RHB_SRC_ADDR:
+      return ipv4 ? hash_lb_ipv4_src_addr(v4) : hash_lb_ipv6_src_addr(v6);
+    default:
+      return hash_get_lag_bits(raw_hash);
   }
 }
 

@@ -9,7 +9,7 @@
 #include "fwc_types.h"
 
 // Thread bits of ing_fwd_thread_bits that the bundle step reads.
-inline constexpr std::uint32_t LAG_THREAD_IPV4 = 0x0001;          // the payload is IPv4, else IPv6
+inline constexpr std::uint32_t LAG_THREAD_IPV4 = 0x0001;             // the payload is IPv4, else IPv6
 inline constexpr std::uint32_t LAG_THREAD_MGSCP_ADDR_HASH = 0x0008;  // MGSCP may hash by one address
 
 // rhb_hash_select of an MGSCP adjacency.

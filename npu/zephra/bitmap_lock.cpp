@@ -60,8 +60,8 @@ void bitmap_lock_req(env_t env, std::uint32_t mmap_lock_bitmap_base, std::uint32
   lock_word_request(env, mmap_lock_bitmap_base, lock_id, LOCK_OP_OR, bit_of(lock_id), req_loc, resp_loc);
 }
 
-void bitmap_unlock_req(env_t env, std::uint32_t mmap_lock_bitmap_base, lock_handle_t lock_handle,
-                       std::uint32_t req_loc, std::uint32_t resp_loc) {
+void bitmap_unlock_req(env_t env, std::uint32_t mmap_lock_bitmap_base, lock_handle_t lock_handle, std::uint32_t req_loc,
+                       std::uint32_t resp_loc) {
   lock_word_request(env, mmap_lock_bitmap_base, lock_handle, LOCK_OP_AND, ~bit_of(lock_handle), req_loc, resp_loc);
 }
 

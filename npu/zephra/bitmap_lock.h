@@ -68,8 +68,8 @@ std::uint32_t mbx_lock_bitmap_hash(std::uint32_t original_lock_id, std::uint32_t
 // and an AND that clears it; both answer the word's old value at resp_loc.
 void bitmap_lock_req(env_t env, std::uint32_t mmap_lock_bitmap_base, std::uint32_t lock_id, std::uint32_t req_loc,
                      std::uint32_t resp_loc);
-void bitmap_unlock_req(env_t env, std::uint32_t mmap_lock_bitmap_base, lock_handle_t lock_handle,
-                       std::uint32_t req_loc, std::uint32_t resp_loc);
+void bitmap_unlock_req(env_t env, std::uint32_t mmap_lock_bitmap_base, lock_handle_t lock_handle, std::uint32_t req_loc,
+                       std::uint32_t resp_loc);
 
 // Where a lock's requests go: its lookup, its family's bitmap, its cell.
 struct bitmap_lock_place_st {

@@ -27,12 +27,24 @@ constexpr hash_words_st biased(std::uint32_t a, std::uint32_t b, std::uint32_t c
 
 // lookup3's mix of three words.
 void bob_mix(hash_words_st& w) {
-  w.a -= w.c; w.a ^= hash_rot(w.c, 4);  w.c += w.b;
-  w.b -= w.a; w.b ^= hash_rot(w.a, 6);  w.a += w.c;
-  w.c -= w.b; w.c ^= hash_rot(w.b, 8);  w.b += w.a;
-  w.a -= w.c; w.a ^= hash_rot(w.c, 16); w.c += w.b;
-  w.b -= w.a; w.b ^= hash_rot(w.a, 19); w.a += w.c;
-  w.c -= w.b; w.c ^= hash_rot(w.b, 4);  w.b += w.a;
+  w.a -= w.c;
+  w.a ^= hash_rot(w.c, 4);
+  w.c += w.b;
+  w.b -= w.a;
+  w.b ^= hash_rot(w.a, 6);
+  w.a += w.c;
+  w.c -= w.b;
+  w.c ^= hash_rot(w.b, 8);
+  w.b += w.a;
+  w.a -= w.c;
+  w.a ^= hash_rot(w.c, 16);
+  w.c += w.b;
+  w.b -= w.a;
+  w.b ^= hash_rot(w.a, 19);
+  w.a += w.c;
+  w.c -= w.b;
+  w.c ^= hash_rot(w.b, 4);
+  w.b += w.a;
 }
 
 std::uint32_t hash_of(hash_func_type_en fn_type, unsigned char* parm) {
@@ -48,28 +60,39 @@ std::uint32_t hash_of(hash_func_type_en fn_type, unsigned char* parm) {
 hash_words_st hash_fold(hash_func_type_en fn_type, const unsigned char* parm) {
   const key_view k{parm};
   switch (fn_type) {
-    case HASH_32B_TO_32B: return {k.w(0) + FOLD_BIAS_32, FOLD_BIAS_32, k.w(0) + FOLD_BIAS_32};
-    case HASH_40B_TO_32B: return biased(k.w(0), k.b(4), 0);
-    case HASH_48B_TO_32B: return biased(k.w(0), k.h(4), 0);
-    case HASH_64B_TO_32B: return biased(k.w(0), k.w(1), 0);
-    case HASH_72B_TO_32B: return biased(k.w(0), k.w(1), k.b(8));
-    case HASH_80B_TO_32B: return biased(k.w(0), k.w(1), k.h(8));
-    case HASH_120B_TO_32B: return biased(k.w(0) + k.h(12), k.w(1) + k.b(14), k.w(2));
-    case HASH_144B_TO_32B: return biased(k.w(0) + k.w(3), k.w(1) + k.h(16), k.w(2) & 0xFFFF);
-    case HASH_152B_TO_32B: return biased(k.w(0) + k.w(3), k.w(1) + k.h(16), k.w(2) + k.b(18));
-    case HASH_160B_TO_32B: return biased(k.w(0) + k.w(3), k.w(1) + k.w(4), k.w(2));
-    case HASH_192B_TO_32B: return biased(k.w(0) + k.w(3), k.w(1) + k.w(4), k.w(2) + k.w(5));
+    case HASH_32B_TO_32B:
+      return {k.w(0) + FOLD_BIAS_32, FOLD_BIAS_32, k.w(0) + FOLD_BIAS_32};
+    case HASH_40B_TO_32B:
+      return biased(k.w(0), k.b(4), 0);
+    case HASH_48B_TO_32B:
+      return biased(k.w(0), k.h(4), 0);
+    case HASH_64B_TO_32B:
+      return biased(k.w(0), k.w(1), 0);
+    case HASH_72B_TO_32B:
+      return biased(k.w(0), k.w(1), k.b(8));
+    case HASH_80B_TO_32B:
+      return biased(k.w(0), k.w(1), k.h(8));
+    case HASH_120B_TO_32B:
+      return biased(k.w(0) + k.h(12), k.w(1) + k.b(14), k.w(2));
+    case HASH_144B_TO_32B:
+      return biased(k.w(0) + k.w(3), k.w(1) + k.h(16), k.w(2) & 0xFFFF);
+    case HASH_152B_TO_32B:
+      return biased(k.w(0) + k.w(3), k.w(1) + k.h(16), k.w(2) + k.b(18));
+    case HASH_160B_TO_32B:
+      return biased(k.w(0) + k.w(3), k.w(1) + k.w(4), k.w(2));
+    case HASH_192B_TO_32B:
+      return biased(k.w(0) + k.w(3), k.w(1) + k.w(4), k.w(2) + k.w(5));
     case HASH_256B_TO_32B:
       return biased(k.w(0) + k.w(3) + k.w(5), k.w(1) + k.w(4) + k.w(6), k.w(2) + k.w(5) + k.w(7));
     case HASH_272B_TO_32B:
       return biased(k.w(0) + k.w(3) + k.w(6), k.w(1) + k.w(4) + k.w(7), k.w(2) + k.w(5) + k.h(32));
     case HASH_320B_TO_32B:
-      return biased(k.w(0) + k.w(3) + k.w(5) + k.w(8), k.w(1) + k.w(4) + k.w(6) + k.w(9),
-                    k.w(2) + k.w(5) + k.w(7));
+      return biased(k.w(0) + k.w(3) + k.w(5) + k.w(8), k.w(1) + k.w(4) + k.w(6) + k.w(9), k.w(2) + k.w(5) + k.w(7));
     case HASH_392B_TO_32B:
       return biased(k.w(0) + k.w(3) + k.w(5) + k.w(8) + k.w(11), k.w(1) + k.w(4) + k.w(6) + k.w(9) + k.b(48),
                     k.w(2) + k.w(5) + k.w(7) + k.w(10));
-    case HASH_INVALID_FUNC: break;
+    case HASH_INVALID_FUNC:
+      break;
   }
   return {};
 }

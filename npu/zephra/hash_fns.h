@@ -36,22 +36,38 @@ inline constexpr std::uint32_t HASH_FUNC_TYPE_LAST = HASH_392B_TO_32B;
 // fold takes.
 constexpr hash_func_type_en hash_func_for_key_bits(std::uint32_t bits) {
   switch (bits) {
-    case 32: return HASH_32B_TO_32B;
-    case 40: return HASH_40B_TO_32B;
-    case 48: return HASH_48B_TO_32B;
-    case 64: return HASH_64B_TO_32B;
-    case 72: return HASH_72B_TO_32B;
-    case 80: return HASH_80B_TO_32B;
-    case 120: return HASH_120B_TO_32B;
-    case 144: return HASH_144B_TO_32B;
-    case 152: return HASH_152B_TO_32B;
-    case 160: return HASH_160B_TO_32B;
-    case 192: return HASH_192B_TO_32B;
-    case 256: return HASH_256B_TO_32B;
-    case 272: return HASH_272B_TO_32B;
-    case 320: return HASH_320B_TO_32B;
-    case 392: return HASH_392B_TO_32B;
-    default: return HASH_INVALID_FUNC;
+    case 32:
+      return HASH_32B_TO_32B;
+    case 40:
+      return HASH_40B_TO_32B;
+    case 48:
+      return HASH_48B_TO_32B;
+    case 64:
+      return HASH_64B_TO_32B;
+    case 72:
+      return HASH_72B_TO_32B;
+    case 80:
+      return HASH_80B_TO_32B;
+    case 120:
+      return HASH_120B_TO_32B;
+    case 144:
+      return HASH_144B_TO_32B;
+    case 152:
+      return HASH_152B_TO_32B;
+    case 160:
+      return HASH_160B_TO_32B;
+    case 192:
+      return HASH_192B_TO_32B;
+    case 256:
+      return HASH_256B_TO_32B;
+    case 272:
+      return HASH_272B_TO_32B;
+    case 320:
+      return HASH_320B_TO_32B;
+    case 392:
+      return HASH_392B_TO_32B;
+    default:
+      return HASH_INVALID_FUNC;
   }
 }
 // What generic_hash_func answers for a selector without a width.

@@ -75,12 +75,15 @@ void npu_ing_pkt_decode(env_t env, const std::uint8_t* pkt_start, boolean_t vlan
   be_u16 ethertype;
   std::memcpy(ethertype.b, l3 - sizeof ethertype.b, sizeof ethertype.b);
   switch (ethertype.get()) {
-    case ETHERTYPE_IPV4: return decode_ipv4(baf, l3);
-    case ETHERTYPE_IPV6: return decode_ipv6(baf, l3);
+    case ETHERTYPE_IPV4:
+      return decode_ipv4(baf, l3);
+    case ETHERTYPE_IPV6:
+      return decode_ipv6(baf, l3);
     case ETHERTYPE_MPLS:
       baf_hdr_ing_st::l3_type::set(baf, bufhdr_l3_type_mpls_e);
       return npu_ing_mpls_populate_baf(env, reinterpret_cast<const mpls_hdr_st*>(l3), &baf);
-    default: baf_hdr_ing_st::l3_type::set(baf, bufhdr_l3_type_other_e);
+    default:
+      baf_hdr_ing_st::l3_type::set(baf, bufhdr_l3_type_other_e);
   }
 }
 

@@ -4,8 +4,8 @@
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
 #include "global_counters.h"
-#include "platform/shared/handlers.h"
 #include "pkt_rx.h"
+#include "platform/shared/handlers.h"
 
 namespace {
 

@@ -28,7 +28,9 @@ inline constexpr std::uint32_t RX_FRAME_TYPE_MASK = 0x3;
 // The line part.
 inline std::uint32_t pkt_rx_distr_type(env_t env) { return dh::dst_format::get(pkt_rx_line_hdr(env)); }
 inline std::uint32_t pkt_rx_rt_thread(env_t env) { return dh::rt_result::get(pkt_rx_line_hdr(env)); }
-inline void pkt_set_rx_rt_thread(env_t env, std::uint32_t result) { dh::rt_result::set(pkt_rx_line_hdr_mod(env), result); }
+inline void pkt_set_rx_rt_thread(env_t env, std::uint32_t result) {
+  dh::rt_result::set(pkt_rx_line_hdr_mod(env), result);
+}
 inline boolean_t pkt_rx_rt_thread_is_l2_control(env_t env) { return pkt_rx_rt_thread(env) == VECTOR_L2_CONTROL; }
 inline std::uint32_t get_orig_pkt_len(env_t env) { return dh::pktlen::get(pkt_rx_line_hdr(env)); }
 inline std::uint32_t pkt_get_rx_frame_type(env_t env) {

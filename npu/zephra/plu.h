@@ -56,8 +56,7 @@ void plu_sram_bucket_write(env_t env, std::uint32_t cand_bkt_index, std::uint16_
                            std::uint32_t plu_req_loc);
 void plu_sram_bucket_read(env_t env, std::uint32_t cand_bkt_index, std::uint32_t plu_req_loc,
                           std::uint32_t plu_resp_loc);
-void plu_cache_invalidate(env_t env, std::uint32_t bucket_index, std::uint32_t plu_req_loc,
-                          std::uint32_t plu_resp_loc);
+void plu_cache_invalidate(env_t env, std::uint32_t bucket_index, std::uint32_t plu_req_loc, std::uint32_t plu_resp_loc);
 
 // The template forms of the generated lookups (table 1 entries 11 and 12):
 // the key's first word, code, VRF and first address byte, is the command

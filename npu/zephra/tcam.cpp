@@ -93,33 +93,32 @@ void itc_lookup_multi_640b(env_t env, std::uint32_t resource_id, std::uint32_t p
   multi(env, ITC_KEY_640, resource_id, profile_id, profile_id2, req_loc, resp_loc, req_size, req_cmd_loc, bmr_enable);
 }
 
-void npu_tcam_lookup_80b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                         std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                         std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr) {
+void npu_tcam_lookup_80b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                         std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                         boolean_t bmr_enable, std::uint8_t bmr) {
   itc_lookup_80b(env, translate_tcam_resource_id(logical_resource_id), profile_id, req_loc, resp_loc, req_size,
                  req_cmd_loc, bmr_enable, bmr);
 }
-void npu_tcam_lookup_160b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr) {
+void npu_tcam_lookup_160b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                          boolean_t bmr_enable, std::uint8_t bmr) {
   itc_lookup_160b(env, translate_tcam_resource_id(logical_resource_id), profile_id, req_loc, resp_loc, req_size,
                   req_cmd_loc, bmr_enable, bmr);
 }
-void npu_tcam_lookup_320b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc) {
+void npu_tcam_lookup_320b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc) {
   itc_lookup_320b(env, translate_tcam_resource_id(logical_resource_id), profile_id, req_loc, resp_loc, req_size,
                   req_cmd_loc);
 }
-void npu_tcam_lookup_400b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr) {
+void npu_tcam_lookup_400b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                          boolean_t bmr_enable, std::uint8_t bmr) {
   itc_lookup_400b(env, translate_tcam_resource_id(logical_resource_id), profile_id, req_loc, resp_loc, req_size,
                   req_cmd_loc, bmr_enable, bmr);
 }
-void npu_tcam_lookup_640b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr) {
+void npu_tcam_lookup_640b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                          boolean_t bmr_enable, std::uint8_t bmr) {
   itc_lookup_640b(env, translate_tcam_resource_id(logical_resource_id), profile_id, req_loc, resp_loc, req_size,
                   req_cmd_loc, bmr_enable, bmr);
 }

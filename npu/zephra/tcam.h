@@ -54,21 +54,20 @@ void itc_lookup_multi_640b(env_t env, std::uint32_t resource_id, std::uint32_t p
                            std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr);
 
 // The same with a logical resource.
-void npu_tcam_lookup_80b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                         std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                         std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr);
-void npu_tcam_lookup_160b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr);
-void npu_tcam_lookup_320b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc);
-void npu_tcam_lookup_400b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr);
-void npu_tcam_lookup_640b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
-                          std::uint32_t req_loc, std::uint32_t resp_loc, std::uint32_t req_size,
-                          std::uint32_t req_cmd_loc, boolean_t bmr_enable, std::uint8_t bmr);
+void npu_tcam_lookup_80b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                         std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                         boolean_t bmr_enable, std::uint8_t bmr);
+void npu_tcam_lookup_160b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                          boolean_t bmr_enable, std::uint8_t bmr);
+void npu_tcam_lookup_320b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc);
+void npu_tcam_lookup_400b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                          boolean_t bmr_enable, std::uint8_t bmr);
+void npu_tcam_lookup_640b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id, std::uint32_t req_loc,
+                          std::uint32_t resp_loc, std::uint32_t req_size, std::uint32_t req_cmd_loc,
+                          boolean_t bmr_enable, std::uint8_t bmr);
 void npu_tcam_lookup_multi_320b(env_t env, std::uint32_t logical_resource_id, std::uint32_t profile_id,
                                 std::uint32_t profile_id2, std::uint32_t req_loc, std::uint32_t resp_loc,
                                 std::uint32_t req_size, std::uint32_t req_cmd_loc, boolean_t bmr_enable,

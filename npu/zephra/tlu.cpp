@@ -21,9 +21,12 @@ std::uint32_t read_cmd(env_t env, std::uint32_t bytes, std::uint32_t req_loc, st
   const std::uint32_t resource = RES_TLU_READ_4B + static_cast<std::uint32_t>(std::countr_zero(bytes)) - 2;
   const std::uint32_t cmd = dma_build_cmd(resource, req_loc, ONE_WORD, resp_loc, bytes);
   switch (policy) {
-    case TLU_CACHE_NEVER: return cmd + TLU_POLICY_NO_ALLOCATE;
-    case TLU_CACHE_ALWAYS: return cmd;
-    case TLU_CACHE_PERIODIC: return cmd + *ps_get_tlu_alloc_policy_for_read(env);
+    case TLU_CACHE_NEVER:
+      return cmd + TLU_POLICY_NO_ALLOCATE;
+    case TLU_CACHE_ALWAYS:
+      return cmd;
+    case TLU_CACHE_PERIODIC:
+      return cmd + *ps_get_tlu_alloc_policy_for_read(env);
   }
   return cmd;
 }
@@ -50,9 +53,12 @@ void read_no_dmem(env_t env, std::uint32_t mem_addr, std::uint32_t bytes, void* 
 
 bool mod_allocates(env_t env, tlu_cache_policy_e policy) {
   switch (policy) {
-    case TLU_CACHE_NEVER: return false;
-    case TLU_CACHE_ALWAYS: return true;
-    case TLU_CACHE_PERIODIC: return *ps_get_tlu_alloc_policy_for_read(env) == 0;
+    case TLU_CACHE_NEVER:
+      return false;
+    case TLU_CACHE_ALWAYS:
+      return true;
+    case TLU_CACHE_PERIODIC:
+      return *ps_get_tlu_alloc_policy_for_read(env) == 0;
   }
   return false;
 }
@@ -146,8 +152,8 @@ void tlu_mod_read_16B_paging(env_t env, std::uint32_t record_idx, std::uint32_t 
 }
 void tlu_mod_return_result_read_16B(env_t env, std::uint32_t mem_addr, std::uint32_t tlu_resource_id,
                                     tlu_mod_operands_st ops, const tlu_mod_loc_st& loc) {
-  tlu_mod_internal(env, TLU_MOD_READ_16B | TLU_MOD_RETURN_RESULT, RETURN_RESULT_BYTES + 16, tlu_resource_id,
-                   mem_addr, ops, loc);
+  tlu_mod_internal(env, TLU_MOD_READ_16B | TLU_MOD_RETURN_RESULT, RETURN_RESULT_BYTES + 16, tlu_resource_id, mem_addr,
+                   ops, loc);
 }
 void tlu_mod_return_result_read_16B_paging(env_t env, std::uint32_t record_idx, std::uint32_t tpd_idx,
                                            tlu_mod_operands_st ops, const tlu_mod_loc_st& loc) {
@@ -156,30 +162,27 @@ void tlu_mod_return_result_read_16B_paging(env_t env, std::uint32_t record_idx, 
 }
 void tlu_mod_return_result_read_32B_of_32B(env_t env, std::uint32_t mem_addr, std::uint32_t tlu_resource_id,
                                            tlu_mod_operands_st ops, const tlu_mod_loc_st& loc) {
-  tlu_mod_internal(env, TLU_MOD_READ_32B | TLU_MOD_RETURN_RESULT, RETURN_RESULT_BYTES + 32, tlu_resource_id,
-                   mem_addr, ops, loc);
+  tlu_mod_internal(env, TLU_MOD_READ_32B | TLU_MOD_RETURN_RESULT, RETURN_RESULT_BYTES + 32, tlu_resource_id, mem_addr,
+                   ops, loc);
 }
 void tlu_mod_return_result_read_32B_of_32B_paging(env_t env, std::uint32_t record_idx, std::uint32_t tpd_idx,
                                                   tlu_mod_operands_st ops, const tlu_mod_loc_st& loc) {
   tlu_mod_internal_paging(env, TLU_MOD_READ_32B | TLU_MOD_RETURN_RESULT | TLU_MOD_PAGED, RETURN_RESULT_BYTES + 32,
                           record_idx, tpd_idx, ops, loc);
 }
-void tlu_mod_internal(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes,
-                      std::uint32_t tlu_resource_id, std::uint32_t mem_addr, tlu_mod_operands_st ops,
-                      const tlu_mod_loc_st& loc) {
+void tlu_mod_internal(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes, std::uint32_t tlu_resource_id,
+                      std::uint32_t mem_addr, tlu_mod_operands_st ops, const tlu_mod_loc_st& loc) {
   be_u32* w = dma_cell_words(env, loc.tlu_req_loc);
   w[0] = mod_allocates(env, loc.tlu_cache_enable) ? cmd_word : cmd_word | TLU_MOD_NO_ALLOCATE;
   w[1] = mem_addr;
   w[2] = ops.denominator;
   w[3] = ops.numerator;
-  dma_initiate(env, dma_build_cmd(tlu_resource_id, loc.tlu_req_loc, MOD_REQUEST_BYTES, loc.tlu_resp_loc,
-                                  tlu_resp_bytes));
+  dma_initiate(env,
+               dma_build_cmd(tlu_resource_id, loc.tlu_req_loc, MOD_REQUEST_BYTES, loc.tlu_resp_loc, tlu_resp_bytes));
 }
-void tlu_mod_internal_paging(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes,
-                             std::uint32_t record_idx, std::uint32_t tpd_idx, tlu_mod_operands_st ops,
-                             const tlu_mod_loc_st& loc) {
-  tlu_mod_internal(env, cmd_word, tlu_resp_bytes, TLU_PAGED_RESOURCE, tlu_paged_record(tpd_idx, record_idx), ops,
-                   loc);
+void tlu_mod_internal_paging(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes, std::uint32_t record_idx,
+                             std::uint32_t tpd_idx, tlu_mod_operands_st ops, const tlu_mod_loc_st& loc) {
+  tlu_mod_internal(env, cmd_word, tlu_resp_bytes, TLU_PAGED_RESOURCE, tlu_paged_record(tpd_idx, record_idx), ops, loc);
 }
 
 void tlu_write_erc2_request(env_t env, std::uint32_t req_adrs, std::uint32_t erc_cmd_word, std::uint32_t erc_adrs) {

@@ -80,12 +80,10 @@ void tlu_mod_return_result_read_32B_of_32B_paging(env_t env, std::uint32_t recor
                                                   tlu_mod_operands_st ops, const tlu_mod_loc_st& loc);
 // The common tails: cmd_word is the command byte with allocation; the
 // no-allocation bit is added unless the cache policy allocates.
-void tlu_mod_internal(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes,
-                      std::uint32_t tlu_resource_id, std::uint32_t mem_addr, tlu_mod_operands_st ops,
-                      const tlu_mod_loc_st& loc);
-void tlu_mod_internal_paging(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes,
-                             std::uint32_t record_idx, std::uint32_t tpd_idx, tlu_mod_operands_st ops,
-                             const tlu_mod_loc_st& loc);
+void tlu_mod_internal(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes, std::uint32_t tlu_resource_id,
+                      std::uint32_t mem_addr, tlu_mod_operands_st ops, const tlu_mod_loc_st& loc);
+void tlu_mod_internal_paging(env_t env, std::uint32_t cmd_word, std::uint32_t tlu_resp_bytes, std::uint32_t record_idx,
+                             std::uint32_t tpd_idx, tlu_mod_operands_st ops, const tlu_mod_loc_st& loc);
 
 // Long commands that forward one memory operation (erc_cmd_word, word 0 of
 // a physical request) to the virtual address erc_adrs: written at the cell

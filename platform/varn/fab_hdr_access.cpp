@@ -30,7 +30,8 @@ std::uint32_t plat_get_fab_hdr_l2_uni_bd_id(const void* fab) {
 }
 
 void plat_set_fab_hdr_l2_uni_bd_id(void* fab, std::uint32_t bd_id) {
-  if (plat_fab_get_nph_type(fab) == NPH_TYPE_L2_UNI_PLUS) return l2_uni_plus::bd_id::set(fab_as<l2_uni_plus>(fab), bd_id);
+  if (plat_fab_get_nph_type(fab) == NPH_TYPE_L2_UNI_PLUS)
+    return l2_uni_plus::bd_id::set(fab_as<l2_uni_plus>(fab), bd_id);
   l2_uni& hdr = fab_as<l2_uni>(fab);
   l2_uni::bd_id_14_0::set(hdr, bd_id & BD_ID_LOW_MASK);
   l2_uni::dc3_mgid_15::set(hdr, bd_id >> BD_ID_LOW_BITS);
@@ -69,8 +70,11 @@ boolean_t plat_get_fab_hdr_ip_uni_gre_multikey(env_t env, const void* fab, std::
       *key = varn_ip_uni_gre_ext_nph_dc3_hdr::gre_key_uni_ext2::ext_gre_key::get(
           fab_as<varn_ip_uni_gre_ext_nph_dc3_hdr>(fab));
       return TRUE;
-    case NPH_LENGTH_40: *key = plat_get_fab_hdr_ip_uni_ext_gre_key(fab); return TRUE;
-    default: break;
+    case NPH_LENGTH_40:
+      *key = plat_get_fab_hdr_ip_uni_ext_gre_key(fab);
+      return TRUE;
+    default:
+      break;
   }
   drop_packet(env, DROP_BAD_GRE_MULTIKEY_LEN);
   return FALSE;

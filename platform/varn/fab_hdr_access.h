@@ -19,12 +19,12 @@ R& fab_as(void* fab) {
 }
 inline const void* plat_fab_hdr_of(env_t env) { return *ps_get_pkt_start(env); }
 
-#define FAB_FIELD(kind, name, record, field)                                             \
-  inline std::uint32_t plat_get_fab_hdr_##kind##_##name(const void* fab) {               \
-    return record::field::get(fab_as<record>(fab));                                      \
-  }                                                                                      \
-  inline void plat_set_fab_hdr_##kind##_##name(void* fab, std::uint32_t value) {         \
-    record::field::set(fab_as<record>(fab), value);                                      \
+#define FAB_FIELD(kind, name, record, field)                                     \
+  inline std::uint32_t plat_get_fab_hdr_##kind##_##name(const void* fab) {       \
+    return record::field::get(fab_as<record>(fab));                              \
+  }                                                                              \
+  inline void plat_set_fab_hdr_##kind##_##name(void* fab, std::uint32_t value) { \
+    record::field::set(fab_as<record>(fab), value);                              \
   }
 #include "fab_hdr_fields.def"
 #undef FAB_FIELD
@@ -48,11 +48,15 @@ inline const std::uint8_t* plat_get_fab_hdr_ipv6_abf_uni_next_hop(const void* fa
 void plat_set_fab_hdr_ipv6_abf_uni_next_hop(void* fab, const std::uint8_t* addr);
 
 // The common bytes.
-inline std::uint32_t plat_fab_get_nph_type(const void* fab) { return dc3_nph_st::nph_type::get(fab_as<dc3_nph_st>(fab)); }
+inline std::uint32_t plat_fab_get_nph_type(const void* fab) {
+  return dc3_nph_st::nph_type::get(fab_as<dc3_nph_st>(fab));
+}
 inline std::uint32_t plat_fab_get_nph_length(const void* fab) {
   return dc3_nph_st::nph_length::get(fab_as<dc3_nph_st>(fab));
 }
-inline boolean_t plat_get_common_ptrace_fromfab(const void* fab) { return dc3_nph_st::ptrace::get(fab_as<dc3_nph_st>(fab)); }
+inline boolean_t plat_get_common_ptrace_fromfab(const void* fab) {
+  return dc3_nph_st::ptrace::get(fab_as<dc3_nph_st>(fab));
+}
 inline boolean_t plat_get_common_critical_inject_fromfab(const void* fab) {
   return dc3_nph_st::critical_inject::get(fab_as<dc3_nph_st>(fab));
 }
@@ -63,7 +67,9 @@ inline boolean_t plat_get_common_critical_inject(env_t env) {
 inline boolean_t plat_get_common_timestamp_fromfab(const void* fab) {
   return varn_dc3_nph_ip_uni_st::flags::ts::get(fab_as<varn_dc3_nph_ip_uni_st>(fab));
 }
-inline boolean_t plat_get_common_timestamp(env_t env) { return plat_get_common_timestamp_fromfab(plat_fab_hdr_of(env)); }
+inline boolean_t plat_get_common_timestamp(env_t env) {
+  return plat_get_common_timestamp_fromfab(plat_fab_hdr_of(env));
+}
 
 // Kind tests.
 inline boolean_t plat_fab_nph_is_l2flood_mc(const void* fab) {
@@ -100,8 +106,7 @@ inline boolean_t plat_is_fab_hdr_inj_pwhe_uni(const void* fab) {
   return plat_fab_get_nph_type(fab) == NPH_TYPE_PUNT_INJECT;
 }
 inline boolean_t plat_is_fab_hdr_pwhe_uni(const void* fab) {
-  return plat_is_fab_hdr_ipv4_pwhe_uni(fab) || plat_is_fab_hdr_mpls_pwhe_uni(fab) ||
-         plat_is_fab_hdr_ipv6_pwhe_uni(fab);
+  return plat_is_fab_hdr_ipv4_pwhe_uni(fab) || plat_is_fab_hdr_mpls_pwhe_uni(fab) || plat_is_fab_hdr_ipv6_pwhe_uni(fab);
 }
 inline boolean_t plat_is_fab_hdr_mn(const void* fab) {
   return plat_get_fab_hdr_mn_ipc_type(fab) == MAC_NOTIFY_IPC_TYPE;
@@ -161,17 +166,17 @@ inline std::uint32_t plat_get_mpls_uni_hash_egr(const void* fab) { return plat_g
 inline std::uint32_t plat_get_l2_flood_hash_egr(const void* fab) { return plat_get_fab_hdr_l2_fld_raw_hash(fab); }
 
 // Header lengths: fixed by kind, or from nph_length.
-#define FAB_LEN_FIXED(kind, bytes)                                                           \
-  inline constexpr std::uint32_t plat_get_fab_hdr_len_##kind() { return bytes; }             \
-  inline std::uint32_t plat_get_fab_rx_##kind##_len(env_t env) {                             \
-    return *ps_get_curr_pkt_len(env) - plat_get_fab_hdr_len_##kind();                        \
+#define FAB_LEN_FIXED(kind, bytes)                                               \
+  inline constexpr std::uint32_t plat_get_fab_hdr_len_##kind() { return bytes; } \
+  inline std::uint32_t plat_get_fab_rx_##kind##_len(env_t env) {                 \
+    return *ps_get_curr_pkt_len(env) - plat_get_fab_hdr_len_##kind();            \
   }
-#define FAB_LEN_CODED(kind)                                                                  \
-  inline std::uint32_t plat_get_fab_hdr_len_##kind(const void* fab) {                        \
-    return nph_length_bytes(plat_fab_get_nph_length(fab));                                   \
-  }                                                                                          \
-  inline std::uint32_t plat_get_fab_rx_##kind##_len(env_t env) {                             \
-    return *ps_get_curr_pkt_len(env) - plat_get_fab_hdr_len_##kind(plat_fab_hdr_of(env));    \
+#define FAB_LEN_CODED(kind)                                                               \
+  inline std::uint32_t plat_get_fab_hdr_len_##kind(const void* fab) {                     \
+    return nph_length_bytes(plat_fab_get_nph_length(fab));                                \
+  }                                                                                       \
+  inline std::uint32_t plat_get_fab_rx_##kind##_len(env_t env) {                          \
+    return *ps_get_curr_pkt_len(env) - plat_get_fab_hdr_len_##kind(plat_fab_hdr_of(env)); \
   }
 FAB_LEN_FIXED(ipv4_uni, 32)
 FAB_LEN_FIXED(ipv6_uni, 32)

@@ -18,10 +18,14 @@ constexpr std::size_t MPLS_FLAGS_BYTE = 15;
 
 std::uint32_t l3_type_of(std::uint32_t nph_type) {
   switch (nph_type) {
-    case NPH_TYPE_IPV4_UNI: return bufhdr_l3_type_ipv4_e;
-    case NPH_TYPE_IPV6_UNI: return bufhdr_l3_type_ipv6_e;
-    case NPH_TYPE_MPLS_UNI: return bufhdr_l3_type_mpls_e;
-    default: return bufhdr_l3_type_other_e;
+    case NPH_TYPE_IPV4_UNI:
+      return bufhdr_l3_type_ipv4_e;
+    case NPH_TYPE_IPV6_UNI:
+      return bufhdr_l3_type_ipv6_e;
+    case NPH_TYPE_MPLS_UNI:
+      return bufhdr_l3_type_mpls_e;
+    default:
+      return bufhdr_l3_type_other_e;
   }
 }
 

@@ -69,8 +69,7 @@ void to_compressed(const dc3& d, cmp& c) {
 
 }  // namespace
 
-std::uint32_t plat_fab_convert_compressed_location_to_dc3(env_t, std::uint8_t* location,
-                                                          std::uint32_t packet_length) {
+std::uint32_t plat_fab_convert_compressed_location_to_dc3(env_t, std::uint8_t* location, std::uint32_t packet_length) {
   cmp c;
   std::memcpy(c.bytes, location, sizeof c.bytes);
   dc3 d;

@@ -32,7 +32,8 @@ void npu_ing_pkt_trace_proc(env_t env) {
   const std::uint32_t port = pkt_get_rx_physical_port(env);
   if (!port_selected(e, port)) return;
   const std::uint8_t* pkt_start = *ps_get_pkt_start(env);
-  if (!word_matches(pkt_start, e.offset1, e.value1, e.mask1) || !word_matches(pkt_start, e.offset2, e.value2, e.mask2) ||
+  if (!word_matches(pkt_start, e.offset1, e.value1, e.mask1) ||
+      !word_matches(pkt_start, e.offset2, e.value2, e.mask2) ||
       !word_matches(pkt_start, e.offset3, e.value3, e.mask3)) {
     return;
   }

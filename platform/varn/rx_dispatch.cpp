@@ -79,10 +79,13 @@ void handle_egr_ci(env_t env, nph_fn_type nph_fn) {
 void plat_rx_process_slow(env_t env) {
   const std::uint32_t dst_format = pkt_rx_distr_type(env);
   switch (dst_format) {
-    case DST_FORMAT_RECYCLE: return recycle_rx(env);
+    case DST_FORMAT_RECYCLE:
+      return recycle_rx(env);
     case DST_FORMAT_SPECIAL:
-    case DST_FORMAT_INTERNAL: return npu_handle_special_dst_format(env, dst_format);
-    default: return pdma_rx(env);
+    case DST_FORMAT_INTERNAL:
+      return npu_handle_special_dst_format(env, dst_format);
+    default:
+      return pdma_rx(env);
   }
 }
 
@@ -91,10 +94,14 @@ void pdma_rx(env_t env) {
   const fhpdma_bufhdr_type& hdr = *reinterpret_cast<const fhpdma_bufhdr_type*>(buf);
   if (fhpdma_bufhdr_type::issu_vbit::get(hdr)) return drop_packet(env, DROP_PDMA_ISSU);
   switch (fhpdma_bufhdr_type::pkt_type::get(hdr)) {
-    case PDMA_PKT_HOST: return process_fhpdma(env);
-    case PDMA_PKT_TIMER: return process_tbpg(env);
-    case PDMA_PKT_FAB_TRAFFIC_GEN: return process_fab_traffic_gen(env, buf);
-    default: return drop_packet(env, DROP_PDMA_UNKNOWN_TYPE);
+    case PDMA_PKT_HOST:
+      return process_fhpdma(env);
+    case PDMA_PKT_TIMER:
+      return process_tbpg(env);
+    case PDMA_PKT_FAB_TRAFFIC_GEN:
+      return process_fab_traffic_gen(env, buf);
+    default:
+      return drop_packet(env, DROP_PDMA_UNKNOWN_TYPE);
   }
 }
 

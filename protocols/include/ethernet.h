@@ -34,6 +34,5 @@ inline constexpr std::uint16_t ETHERTYPE_VLAN_9100 = 0x9100;
 inline constexpr std::uint16_t ETHERTYPE_VLAN_9200 = 0x9200;
 
 inline bool ether_type_is_tag(std::uint16_t type) {
-  return type == ETHERTYPE_VLAN || type == ETHERTYPE_QINQ || type == ETHERTYPE_VLAN_9100 ||
-         type == ETHERTYPE_VLAN_9200;
+  return type == ETHERTYPE_VLAN || type == ETHERTYPE_QINQ || type == ETHERTYPE_VLAN_9100 || type == ETHERTYPE_VLAN_9200;
 }

@@ -24,16 +24,21 @@ std::string engine_label(const lookup& l) {
 
 std::string address_label(const table_address& a) {
   switch (a.kind) {
-    case addr_kind::paged: return "paged, tpd_idx " + std::to_string(a.tpd);
-    case addr_kind::direct: return "direct " + hex(a.base, 8) + " + index * " + std::to_string(a.stride);
-    case addr_kind::global_block: return "global block " + std::to_string(a.block);
+    case addr_kind::paged:
+      return "paged, tpd_idx " + std::to_string(a.tpd);
+    case addr_kind::direct:
+      return "direct " + hex(a.base, 8) + " + index * " + std::to_string(a.stride);
+    case addr_kind::global_block:
+      return "global block " + std::to_string(a.block);
   }
   return "";
 }
 
 std::uint32_t global_block_address(const table_address& a) { return a.base + a.block * a.stride; }
 
-std::string rtt(const engine& e) { return "rtt_index(" + std::to_string(e.table) + ", " + std::to_string(e.entry) + ")"; }
+std::string rtt(const engine& e) {
+  return "rtt_index(" + std::to_string(e.table) + ", " + std::to_string(e.entry) + ")";
+}
 
 class ops_writer {
  public:
@@ -49,10 +54,18 @@ class ops_writer {
       return;
     }
     switch (l.code()) {
-      case form::read: read_request(l); break;
-      case form::mod_read: mod_request(l); break;
-      case form::tlu_mod_read_paged: tlu_mod_request(l); break;
-      case form::glb_cnt: cell_request(l, "std::uint32_t stat_index", "stats_glb_cnt_request", "stat_index"); break;
+      case form::read:
+        read_request(l);
+        break;
+      case form::mod_read:
+        mod_request(l);
+        break;
+      case form::tlu_mod_read_paged:
+        tlu_mod_request(l);
+        break;
+      case form::glb_cnt:
+        cell_request(l, "std::uint32_t stat_index", "stats_glb_cnt_request", "stat_index");
+        break;
       case form::stats_add_inc:
         cell_request(l, "std::uint32_t stat_index, std::uint32_t count", "stats_add_inc_request", "stat_index, count");
         break;
@@ -62,22 +75,22 @@ class ops_writer {
         break;
       case form::stats_uidb_add_inc:
         cell_request(l, "std::uint32_t stat_base, std::uint32_t stat_index, std::uint32_t count",
-                      "stats_uidb_add_inc_request", "stat_base, stat_index, count");
+                     "stats_uidb_add_inc_request", "stat_base, stat_index, count");
         break;
       case form::stats_uidb_add_inc_split:
         alloc(l);
         cell_request(l, "std::uint32_t stat_base, std::uint32_t stat_index, std::uint32_t",
-                      "stats_uidb_add_inc_split_request", "stat_base, stat_index");
+                     "stats_uidb_add_inc_split_request", "stat_base, stat_index");
         break;
       case form::stats_uidb_add_inc_twin:
         cell_request(l,
-                      "std::uint32_t stat_base, std::uint32_t stat_index1, std::uint32_t count1, "
-                      "std::uint32_t stat_index2, std::uint32_t count2",
-                      "stats_uidb_add_inc_twin_request", "stat_base, stat_index1, count1, stat_index2, count2");
+                     "std::uint32_t stat_base, std::uint32_t stat_index1, std::uint32_t count1, "
+                     "std::uint32_t stat_index2, std::uint32_t count2",
+                     "stats_uidb_add_inc_twin_request", "stat_base, stat_index1, count1, stat_index2, count2");
         break;
       case form::stats_inc_dyn_pool_cnt:
         cell_request(l, "std::uint32_t stat_index, std::uint32_t offset", "stats_inc_dyn_pool_cnt_request",
-                      "stat_index, offset");
+                     "stat_index, offset");
         break;
       case form::stats_read_clr_dyn_pool_cnt:
         cell_request(l, "std::uint32_t stat_index", "stats_read_clr_dyn_pool_cnt_request", "stat_index");
@@ -85,12 +98,15 @@ class ops_writer {
       case form::flowlock_convert:
         cell_request(l, "std::uint32_t flowlock_id", "lookup_flowlock_convert", "flowlock_id");
         break;
-      case form::plu_ipv4: plu_request(l, "std::uint32_t ipv4_addr", "plu_lookup_request_ipv4", "ipv4_addr"); break;
+      case form::plu_ipv4:
+        plu_request(l, "std::uint32_t ipv4_addr", "plu_lookup_request_ipv4", "ipv4_addr");
+        break;
       case form::plu_ipv6:
         plu_request(l, "const std::uint8_t* ipv6_addr", "plu_lookup_request_ipv6", "ipv6_addr");
         break;
       case form::view:
-      case form::none: break;
+      case form::none:
+        break;
     }
     if (l.has_result()) result(l);
     out_ << "\n";
@@ -127,7 +143,9 @@ class ops_writer {
         args = ", std::uint32_t index";
         cmd = hex(a.base, 8) + "u + index * " + std::to_string(a.stride) + "u";
         break;
-      case addr_kind::global_block: cmd = hex(global_block_address(a), 8) + "u"; break;
+      case addr_kind::global_block:
+        cmd = hex(global_block_address(a), 8) + "u";
+        break;
     }
     out_ << "inline void lookup_request_" << id_ << "(env_t env" << args << ") {\n";
     note_request(l);
@@ -148,8 +166,8 @@ class ops_writer {
     out_ << "inline void lookup_request_" << id_
          << "(env_t env, std::uint32_t record_index, std::uint32_t num, std::uint32_t denom) {\n";
     note_request(l);
-    out_ << "  tlu_mod_read_16B_paging(env, record_index, " << l.addr->tpd << ", {denom, num}, {" << hex(l.slot)
-         << ", " << hex(l.slot) << ", TLU_CACHE_PERIODIC});\n}\n";
+    out_ << "  tlu_mod_read_16B_paging(env, record_index, " << l.addr->tpd << ", {denom, num}, {" << hex(l.slot) << ", "
+         << hex(l.slot) << ", TLU_CACHE_PERIODIC});\n}\n";
   }
 
   // The key is built in the slot, which is also the request cell.
@@ -184,8 +202,8 @@ class ops_writer {
            << "(env); }\n";
       out_ << "inline void lookup_wait_" << id_ << "(env_t env) { lookup_wait_" << parent << "(env); }\n";
     } else if (l.is_protected) {
-      out_ << "inline void lookup_wait_cohfail_" << id_ << "(env_t env) { lookup_coherency_reread(env, " << id_
-           << ", " << record << "); }\n";
+      out_ << "inline void lookup_wait_cohfail_" << id_ << "(env_t env) { lookup_coherency_reread(env, " << id_ << ", "
+           << record << "); }\n";
       out_ << "inline void lookup_wait_" << id_ << "(env_t env) {\n"
            << "  if (lookup_record_word0(env, " << record << ") != 0) return;\n"
            << "  lookup_wait_cohfail_" << id_ << "(env);\n}\n";
@@ -199,8 +217,7 @@ class ops_writer {
            << "));\n";
     }
     out_ << "  return reinterpret_cast<" << type << "*>(lookup_slot(env, " << hex(l.slot) << "));\n}\n";
-    out_ << "inline std::uint32_t lookup_result_dmem_offset_" << id_ << "(env_t) { return " << hex(l.slot)
-         << "; }\n";
+    out_ << "inline std::uint32_t lookup_result_dmem_offset_" << id_ << "(env_t) { return " << hex(l.slot) << "; }\n";
     if (l.code() != form::view) {
       out_ << "static_assert(sizeof(" << type << ") <= " << l.eng->response << ", \"" << id_ << ": " << type
            << " is larger than the response\");\n";
@@ -274,7 +291,8 @@ std::string tables_header(const catalogue& cat) {
 
 std::string ops_header(const std::vector<lookup>& lookups) {
   std::ostringstream out;
-  out << BANNER << "#pragma once\n\n#include \"dplane/infra/hash_search.h\"\n#include \"dplane/infra/lookup_support.h\"\n\n";
+  out << BANNER
+      << "#pragma once\n\n#include \"dplane/infra/hash_search.h\"\n#include \"dplane/infra/lookup_support.h\"\n\n";
   std::set<std::string> declared;
   for (const lookup& l : lookups) {
     if (!l.r->calls.empty() && declared.insert(l.r->calls).second) out << "void " << l.r->calls << "(env_t env);\n";

@@ -20,22 +20,32 @@ struct form_rules {
 
 form_rules rules_of(form f) {
   switch (f) {
-    case form::read: return {false, true, 0, true};
+    case form::read:
+      return {false, true, 0, true};
     case form::mod_read:
-    case form::tlu_mod_read_paged: return {false, true, 16, true};
-    case form::glb_cnt: return {true, false, 0, false};
+    case form::tlu_mod_read_paged:
+      return {false, true, 16, true};
+    case form::glb_cnt:
+      return {true, false, 0, false};
     case form::stats_add_inc:
     case form::stats_add_inc_split:
     case form::stats_uidb_add_inc:
     case form::stats_uidb_add_inc_split:
     case form::stats_uidb_add_inc_twin:
-    case form::stats_inc_dyn_pool_cnt: return {true, false, 12, false};
-    case form::stats_read_clr_dyn_pool_cnt: return {false, true, 8, false};
-    case form::plu_ipv4: return {false, true, 8, false};
-    case form::plu_ipv6: return {false, true, 20, false};
-    case form::flowlock_convert: return {true, false, 8, false};
-    case form::view: return {false, true, 0, false};
-    case form::none: return {false, false, 0, false};
+    case form::stats_inc_dyn_pool_cnt:
+      return {true, false, 12, false};
+    case form::stats_read_clr_dyn_pool_cnt:
+      return {false, true, 8, false};
+    case form::plu_ipv4:
+      return {false, true, 8, false};
+    case form::plu_ipv6:
+      return {false, true, 20, false};
+    case form::flowlock_convert:
+      return {true, false, 8, false};
+    case form::view:
+      return {false, true, 0, false};
+    case form::none:
+      return {false, false, 0, false};
   }
   return {};
 }

@@ -13,9 +13,12 @@ namespace {
 
 std::string file_of(const model::sent_frame& f) {
   switch (f.to) {
-    case model::frame_destination::line: return "line-" + std::to_string(f.port) + ".pcap";
-    case model::frame_destination::fabric: return "fabric.pcap";
-    case model::frame_destination::host: return "host.pcap";
+    case model::frame_destination::line:
+      return "line-" + std::to_string(f.port) + ".pcap";
+    case model::frame_destination::fabric:
+      return "fabric.pcap";
+    case model::frame_destination::host:
+      return "host.pcap";
   }
   return "unknown.pcap";
 }
@@ -24,8 +27,8 @@ void make_directory(const std::filesystem::path& dir) {
   std::error_code ec;
   std::filesystem::create_directories(dir, ec);
   if (ec || !std::filesystem::is_directory(dir)) {
-    throw std::runtime_error("output directory '" + dir.string() + "': " +
-                             (ec ? ec.message() : std::string("not a directory")));
+    throw std::runtime_error("output directory '" + dir.string() +
+                             "': " + (ec ? ec.message() : std::string("not a directory")));
   }
 }
 

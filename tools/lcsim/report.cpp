@@ -5,12 +5,12 @@
 #include <map>
 #include <string>
 
+#include "dist_hdr.h"
+#include "fab_hdr.h"
+#include "fab_hdr_report.h"
 #include "model/stats_memory.h"
 #include "names/counter_names.h"
 #include "platform/shared/placeholder.h"
-#include "fab_hdr_report.h"
-#include "dist_hdr.h"
-#include "fab_hdr.h"
 
 namespace lcsim {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <tuple>
 
-#include "line_setup.h"
 #include "dist_hdr.h"
+#include "line_setup.h"
 
 namespace lcsim {
 
@@ -60,10 +60,9 @@ std::vector<packet_result> run_scenario(model::chassis& chassis, ctrl::chassis_t
       results.push_back({input, std::move(o)});
     }
   }
-  std::sort(results.begin(), results.end(),
-            [](const auto& a, const auto& b) {
-              return std::tie(a.outcome.npu, a.outcome.seq) < std::tie(b.outcome.npu, b.outcome.seq);
-            });
+  std::sort(results.begin(), results.end(), [](const auto& a, const auto& b) {
+    return std::tie(a.outcome.npu, a.outcome.seq) < std::tie(b.outcome.npu, b.outcome.seq);
+  });
   return results;
 }
 

@@ -27,10 +27,14 @@ const std::uint8_t* buffer_end(env_t env) {
 // Bytes an L4 header must bring for its first word and flags to count.
 std::uint32_t l4_min_bytes(std::uint8_t protocol) {
   switch (protocol) {
-    case IP_PROTO_TCP: return 20;
-    case IP_PROTO_UDP: return 8;
-    case IP_PROTO_SCTP: return 12;
-    default: return 0;
+    case IP_PROTO_TCP:
+      return 20;
+    case IP_PROTO_UDP:
+      return 8;
+    case IP_PROTO_SCTP:
+      return 12;
+    default:
+      return 0;
   }
 }
 
@@ -57,9 +61,12 @@ std::uint32_t end_at_l4(env_t env, std::uint8_t protocol, std::uint8_t* l4, std:
 
 std::uint32_t header_bytes(std::uint8_t type, const std::uint8_t* hdr) {
   switch (type) {
-    case IP_PROTO_FRAGMENT: return FRAG_HDR_BYTES;
-    case IP_PROTO_AH: return (hdr[1] + 2u) * AH_UNIT;
-    default: return (hdr[1] + 1u) * EXT_HDR_UNIT;
+    case IP_PROTO_FRAGMENT:
+      return FRAG_HDR_BYTES;
+    case IP_PROTO_AH:
+      return (hdr[1] + 2u) * AH_UNIT;
+    default:
+      return (hdr[1] + 1u) * EXT_HDR_UNIT;
   }
 }
 
@@ -67,10 +74,17 @@ std::uint32_t header_bytes(std::uint8_t type, const std::uint8_t* hdr) {
 bool take_header(env_t env, std::uint8_t type, std::uint8_t* hdr) {
   ipv6_eh_flags_st& flags = *ps_put_mod_ipv6_eh_flags(env);
   switch (type) {
-    case IP_PROTO_HOP_BY_HOP: eh::hop::set(flags, 1); return false;
-    case IP_PROTO_DEST_OPTS: eh::dest::set(flags, 1); return false;
-    case IP_PROTO_AH: eh::ah::set(flags, 1); return false;
-    case IP_PROTO_MOBILITY: return false;
+    case IP_PROTO_HOP_BY_HOP:
+      eh::hop::set(flags, 1);
+      return false;
+    case IP_PROTO_DEST_OPTS:
+      eh::dest::set(flags, 1);
+      return false;
+    case IP_PROTO_AH:
+      eh::ah::set(flags, 1);
+      return false;
+    case IP_PROTO_MOBILITY:
+      return false;
     case IP_PROTO_ROUTING:
       if (reinterpret_cast<const ipv6_routing_hdr_st*>(hdr)->routing_type != IPV6_ROUTING_TYPE_SRH) {
         eh::routing::set(flags, 1);
@@ -88,13 +102,14 @@ bool take_header(env_t env, std::uint8_t type, std::uint8_t* hdr) {
       store_l4(env, frag->next_header, hdr + FRAG_HDR_BYTES);
       return true;
     }
-    default: return false;
+    default:
+      return false;
   }
 }
 
 bool is_ext_header(std::uint8_t type) {
-  return type == IP_PROTO_HOP_BY_HOP || type == IP_PROTO_ROUTING || type == IP_PROTO_FRAGMENT ||
-         type == IP_PROTO_AH || type == IP_PROTO_DEST_OPTS || type == IP_PROTO_MOBILITY;
+  return type == IP_PROTO_HOP_BY_HOP || type == IP_PROTO_ROUTING || type == IP_PROTO_FRAGMENT || type == IP_PROTO_AH ||
+         type == IP_PROTO_DEST_OPTS || type == IP_PROTO_MOBILITY;
 }
 
 }  // namespace

@@ -51,7 +51,5 @@ inline boolean_t global_config_is_entropy_lb_enabled(env_t env) {
 inline boolean_t global_config_is_mpls_over_udp_decap_enabled(env_t env) {
   return global_config_bit(env, global_config_bits::MPLS_OVER_UDP_DECAP);
 }
-inline boolean_t global_config_pkt_trace_en(env_t env) {
-  return global_config_bit(env, global_config_bits::PKT_TRACE);
-}
+inline boolean_t global_config_pkt_trace_en(env_t env) { return global_config_bit(env, global_config_bits::PKT_TRACE); }
 inline std::uint32_t global_config_get_router_id(env_t env) { return *ps_get_global_uidb_reg_router_id(env); }
