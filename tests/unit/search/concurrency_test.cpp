@@ -18,7 +18,8 @@ std::uint8_t tag_of(std::uint32_t length) { return static_cast<std::uint8_t>(len
 
 TEST(PluConcurrency, SearchesSeeEachChangeWholeOrNotAtAll) {
   testkit::npu_harness h;
-  ASSERT_EQ(h.tables().routes().add_prefix(ctrl::ipv4_prefix({0}, 0x0A000000, 8), leaf_of(tag_of(8))), ctrl::error::none);
+  ASSERT_EQ(h.tables().routes().add_prefix(ctrl::ipv4_prefix({0}, 0x0A000000, 8), leaf_of(tag_of(8))),
+            ctrl::error::none);
   std::atomic<bool> done{false};
   std::thread control([&] {
     for (int i = 0; i < CHANGES; ++i) {
