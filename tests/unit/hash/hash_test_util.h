@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,10 +43,8 @@ inline const std::vector<search_row>& all_searches() {
 #undef HT_SEARCH_ROW
 
 inline const search_row& search_of(const std::string& name) {
-  for (const search_row& r : all_searches()) {
-    if (name == r.name) return r;
-  }
-  throw std::invalid_argument("no search " + name);
+  return *std::find_if(all_searches().begin(), all_searches().end(),
+                       [&](const search_row& r) { return name == r.name; });
 }
 
 struct search_outcome {
@@ -78,13 +76,10 @@ inline bytes key_of(std::uint32_t bytes_wide, std::uint32_t seed) {
   for (std::uint32_t i = 0; i < bytes_wide; ++i) k[i] = static_cast<std::uint8_t>(seed >> (8 * (i % 4)) ^ (i * 0x3B));
   return k;
 }
-
 inline std::uint32_t key_width(const lookup_hash_table_st& t) { return t.key_bits / 8; }
-
 inline memaddr_t home_of(const lookup_hash_table_st& t, const bytes& key) {
   return ctrl::hash_table_home_bucket(t, ctrl::hash_table_key_hash(t, key));
 }
-
 inline std::uint8_t signature_of(const lookup_hash_table_st& t, const bytes& key) {
   return static_cast<std::uint8_t>(ctrl::hash_table_key_hash(t, key) >> 24);
 }
@@ -119,7 +114,6 @@ inline hash_chain_bucket_st chain_bucket(testkit::npu_harness& h, memaddr_t addr
 inline bool same(const hash_search_bucket_st& a, const hash_search_bucket_st& b) {
   return std::memcmp(&a, &b, sizeof a) == 0;
 }
-
 inline void write_bucket(testkit::npu_harness& h, memaddr_t addr, const hash_search_bucket_st& b) {
   ctrl::write_record(h.npu(), addr, {reinterpret_cast<const std::uint8_t*>(&b), sizeof b});
 }

@@ -42,26 +42,24 @@ std::uint32_t v6_flow(const bytes& f, std::uint32_t p) {
 }
 
 using hasher = std::uint32_t (*)(env_t, std::uint8_t*);
-std::uint32_t ipv4(env_t env, std::uint8_t* s) {
-  return hash_lb_ipv4(env, reinterpret_cast<ipv4_hdr_st*>(s + L2), IFH, ROUTER_ID);
+template <class Hdr>
+Hdr* l3(std::uint8_t* frame) {
+  return reinterpret_cast<Hdr*>(frame + L2);
 }
-std::uint32_t racetrack(env_t env, std::uint8_t* s) {
-  return hash_lb_ipv4_racetrack(env, reinterpret_cast<ipv4_hdr_st*>(s + L2), IFH, ROUTER_ID);
+std::uint32_t ipv4(env_t e, std::uint8_t* f) { return hash_lb_ipv4(e, l3<ipv4_hdr_st>(f), IFH, ROUTER_ID); }
+std::uint32_t racetrack(env_t e, std::uint8_t* f) {
+  return hash_lb_ipv4_racetrack(e, l3<ipv4_hdr_st>(f), IFH, ROUTER_ID);
 }
-std::uint32_t ipv6(env_t env, std::uint8_t* s) {
-  return hash_lb_ipv6(env, reinterpret_cast<ipv6_hdr_st*>(s + L2), IFH, ROUTER_ID);
+std::uint32_t ipv6(env_t e, std::uint8_t* f) { return hash_lb_ipv6(e, l3<ipv6_hdr_st>(f), IFH, ROUTER_ID); }
+std::uint32_t mpls(env_t e, std::uint8_t* f) { return hash_lb_mpls_inline(e, l3<mpls_hdr_st>(f), IFH, ROUTER_ID); }
+std::uint32_t ether(env_t, std::uint8_t* f) { return hash_lb_ether(reinterpret_cast<ether_hdr*>(f)); }
+std::uint32_t span(env_t e, std::uint8_t* f) {
+  return span_calc_hash_l3(e, reinterpret_cast<ether_hdr*>(f), L2, f + L2);
 }
-std::uint32_t mpls(env_t env, std::uint8_t* s) {
-  return hash_lb_mpls_inline(env, reinterpret_cast<mpls_hdr_st*>(s + L2), IFH, ROUTER_ID);
-}
-std::uint32_t ether(env_t, std::uint8_t* s) { return hash_lb_ether(reinterpret_cast<ether_hdr*>(s)); }
-std::uint32_t span(env_t env, std::uint8_t* s) {
-  return span_calc_hash_l3(env, reinterpret_cast<ether_hdr*>(s), L2, s + L2);
-}
-std::uint32_t l2vpn(env_t env, std::uint8_t* s) {
-  *ps_put_mod_network_start(env) = s + L2;
-  baf_hdr_ing_st::l3_type::set(pkt_rx_baf_mod(env), bufhdr_l3_type_ipv4_e);
-  return l2vpn_calc_hash(env, reinterpret_cast<ether_hdr*>(s), FALSE, FALSE, FALSE);
+std::uint32_t l2vpn(env_t e, std::uint8_t* f) {
+  *ps_put_mod_network_start(e) = f + L2;
+  baf_hdr_ing_st::l3_type::set(pkt_rx_baf_mod(e), bufhdr_l3_type_ipv4_e);
+  return l2vpn_calc_hash(e, reinterpret_cast<ether_hdr*>(f), FALSE, FALSE, FALSE);
 }
 
 // The distribution header's label count and entropy label place.

@@ -1,102 +1,12 @@
-// The program's own write operations, as the tables that the data plane
-// keeps use them: through a management context, with free buckets from an
-// index queue, and the 32-byte group forms.
+// The program's 32-byte group writes, as the MAP-T logging table uses them:
+// its buckets lie where the caller says, in groups of two, and a writer's
+// search holds the lock of its home bucket.
 #include "hash_test_util.h"
 
 namespace {
 
 using namespace ht;
 
-constexpr memaddr_t QUEUE = 0xA8000000;
-constexpr memaddr_t QUEUE_BUCKETS = 0xA8100000;
-constexpr memaddr_t ENTRIES = 0xA9000000;
-
-// The context of a search that stands at entry `index` of `bucket`.
-hash_manage_context_st context_at(memaddr_t bucket, memaddr_t prev, std::uint32_t index, std::uint8_t signature) {
-  hash_manage_context_st ctx{};
-  ctx.search_ctx.bucket_hash_value = signature;
-  ctx.search_ctx.bucket_entry_index = index;
-  ctx.ext.prev_bucket_addr = prev;
-  ctx.ext.bucket_addr = bucket;
-  return ctx;
-}
-
-class ProgramWrites : public testing::Test {
- protected:
-  const search_row& row = search_of("PPPOE_HASH");
-  const lookup_hash_table_st& t = row.desc->table;
-  testkit::npu_harness h;
-  ctrl::hash_tables tables{h.npu()};
-  const std::vector<bytes> keys = keys_in_one_bucket(t, 4);
-  const memaddr_t home = home_of(t, keys[0]);
-
-  // Three keys fill the home bucket; the fourth's entry stands at ENTRIES.
-  void fill_home(std::uint32_t queue_buckets) {
-    ctrl::install_hash_bucket_queue(h.npu(), QUEUE, QUEUE + 0x100, QUEUE_BUCKETS, queue_buckets);
-    insert(tables, t, keys, 3);
-    write_entry(h, t, ENTRIES, keys[3], result_of(0x44));
-  }
-  boolean_t insert_fourth() {
-    boolean_t ok = FALSE;
-    h.on_thread([&](env_t env) {
-      hash_manage_context_st ctx = context_at(home, 0, 0, signature_of(t, keys[3]));
-      ok = hash_insert(env, &ctx, ENTRIES, QUEUE);
-    });
-    return ok;
-  }
-  std::uint32_t free_in_queue() {
-    q_index_q_st block;
-    h.npu().memory().read(h.npu().memory().translate(QUEUE), {reinterpret_cast<std::uint8_t*>(&block), sizeof block});
-    return block.free_count.get();
-  }
-  bool findable(const bytes& key) { return search(h, row, key).rc == HASH_SEARCH_RC_MATCH; }
-};
-
-TEST_F(ProgramWrites, InsertIntoAFullBucketTakesABucketFromTheQueueAndDeleteGivesItBack) {
-  fill_home(8);
-  EXPECT_EQ(insert_fourth(), TRUE);
-  for (const bytes& k : keys) EXPECT_TRUE(findable(k));
-  EXPECT_EQ(free_in_queue(), 7u);
-  EXPECT_EQ(chain_bucket(h, home).link, QUEUE_BUCKETS);
-
-  const std::optional<ctrl::hash_position_st> at = tables.find(t, keys[3]);
-  ASSERT_TRUE(at);
-  h.on_thread([&](env_t env) {
-    hash_manage_context_st ctx = context_at(at->bucket, at->prev_bucket, at->index, 0);
-    EXPECT_EQ(hash_delete(env, &ctx, QUEUE), ENTRIES);
-  });
-  EXPECT_FALSE(findable(keys[3]));
-  for (std::uint32_t i = 0; i < 3; ++i) EXPECT_TRUE(findable(keys[i]));
-  EXPECT_EQ(chain_bucket(h, home).link, 0u);
-  EXPECT_EQ(free_in_queue(), 8u);
-}
-
-TEST_F(ProgramWrites, InsertWithAnEmptyQueueIntoAFullBucketWritesNothing) {
-  fill_home(0);
-  const hash_search_bucket_st before = read_bucket(h, home);
-  EXPECT_EQ(insert_fourth(), FALSE);
-  EXPECT_TRUE(same(read_bucket(h, home), before));
-}
-
-// The bucket write borrows the first cells of data memory, which hold the
-// distribution header, and puts them back.
-TEST_F(ProgramWrites, ReplacePutsTheNewEntryInTheOldOnesPlaceAndLeavesTheHeaderAsItWas) {
-  insert(tables, t, keys, 1);
-  write_entry(h, t, ENTRIES, keys[0], result_of(0x42));
-  const ctrl::hash_position_st at = *tables.find(t, keys[0]);
-  h.on_thread([&](env_t env) {
-    std::uint8_t header[64];
-    for (std::uint32_t i = 0; i < sizeof header; ++i) header[i] = static_cast<std::uint8_t>(i);
-    std::memcpy(env_get_dmem_start(env), header, sizeof header);
-    hash_manage_context_st ctx = context_at(at.bucket, at.prev_bucket, at.index, 0);
-    EXPECT_EQ(hash_replace(env, &ctx, ENTRIES), at.entry);
-    EXPECT_EQ(std::memcmp(env_get_dmem_start(env), header, sizeof header), 0);
-  });
-  EXPECT_EQ(search(h, row, keys[0]).result, result_of(0x42));
-}
-
-// The MAP-T logging table: its buckets lie where the caller says, in groups
-// of two, and the data plane writes them with the group forms.
 class CallerSpace : public testing::Test {
  protected:
   testkit::npu_harness h;

@@ -40,7 +40,6 @@ class BucketStates : public testing::Test {
   testkit::npu_harness h;
   const bytes k = key(1);
   const std::uint8_t sig = signature_of(t, k);
-  static constexpr memaddr_t CHAIN = 0xA5000000;
 
   static memaddr_t entry(std::uint32_t i) { return 0xA4000000 + i * 32; }
   bytes key(std::uint32_t seed) const { return key_of(key_width(t), seed); }
@@ -95,17 +94,6 @@ TEST_F(BucketStates, AnEntryOfAnotherTableOrBeingMovedIsPassedOver) {
   hash_search_bucket_st::entry_swap_bitmap::set(b, 1);
   write_bucket(h, home_of(t, k), b);
   EXPECT_EQ(search(h, row, k).rc, HASH_SEARCH_RC_NO_MATCH);
-}
-
-TEST_F(BucketStates, AThreeBucketChainIsWalkedAndCountsFromZeroInEachBucket) {
-  for (std::uint32_t i = 0; i < 5; ++i) write_entry(h, t, entry(i), key(10 + i), result_of(0));
-  write_entry(h, t, entry(5), k, result_of(0x55));
-  write_bucket(h, home_of(t, k), bucket_of({{entry(0), sig}, {entry(1), sig}}, CHAIN));
-  write_bucket(h, CHAIN, bucket_of({{entry(2), sig}, {entry(3), sig}}, CHAIN + 16));
-  write_bucket(h, CHAIN + 16, bucket_of({{entry(4), sig}, {entry(5), sig}}));
-  const search_outcome out = search(h, row, k);
-  EXPECT_EQ(out.entry_index, 1u);
-  EXPECT_EQ(out.result, result_of(0x55));
 }
 
 TEST_F(BucketStates, LowBitsOfTheHashPickTheBucket) {
