@@ -65,18 +65,11 @@ TEST(TluReads, EachSizeDeliversItsBytesByAddressByPageAndIntoAnyMemory) {
   });
 }
 
-// Members of 16 and 32 bytes from ADDR, member i filled from 0x20 * i.
-void write_members(testkit::npu_harness& h) {
-  for (std::uint8_t i = 0; i < 4; ++i) {
-    const auto m = numbered(static_cast<std::uint8_t>(0x20 * i));
-    ctrl::write_record(h.npu(), ADDR + 32u * i, m);
-  }
-  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR, 16), ctrl::error::none);
-}
-
+// Members of 16 and 32 bytes from ADDR, member i of 32 bytes filled from 0x20 * i.
 TEST(TluMod, MemberReadsTakeTheRemainderThMember) {
   testkit::npu_harness h;
-  write_members(h);
+  for (std::uint8_t i = 0; i < 4; ++i) ctrl::write_record(h.npu(), ADDR + 32u * i, numbered(0x20 * i));
+  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR, 16), ctrl::error::none);
   const tlu_mod_operands_st seven_by_four{4, 7};  // remainder 3
   h.on_thread([&](env_t env) {
     const tlu_mod_loc_st loc{REQ, RESP, TLU_CACHE_ALWAYS};
