@@ -96,15 +96,6 @@ TEST_F(BucketStates, AnEntryOfAnotherTableOrBeingMovedIsPassedOver) {
   EXPECT_EQ(search(h, row, k).rc, HASH_SEARCH_RC_NO_MATCH);
 }
 
-TEST_F(BucketStates, LowBitsOfTheHashPickTheBucket) {
-  write_bucket(h, HASH_SPACE_A_BASE + 0x45678 * HASH_BUCKET_BYTES, bucket_of({{0x12345670, 0x9A}}));
-  h.on_thread([&](env_t env) {
-    lookup_request_ID_MPLS_RPF_BUCKET_0(env, 0, 0x12345678, HASH_SPACE_A_BUCKETS);
-    lookup_wait_ID_MPLS_RPF_BUCKET(env);
-    EXPECT_EQ(lookup_result_ID_MPLS_RPF_BUCKET(env)->hash_entry_addr[0].get(), 0x12345670u);
-  });
-}
-
 // COMMON_ACL_HASH and COMMON_QOS_HASH share space B and an 8-byte key: a
 // lone entry keeps its key in the bucket, and a second entry turns the bucket
 // to the plain layout until one entry is left again.

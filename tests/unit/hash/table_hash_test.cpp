@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdint>
 
-#include "dplane/infra/hash_bits.h"
 #include "npu/zephra/hash_fns.h"
 #include "testkit/npu_harness.h"
 
@@ -82,18 +81,6 @@ TEST(BobHash, HashesWholeWordsOfTheKey) {
                             {13, 3, 0xC4402DFE}, {16, 4, 0xF237A0F3}, {49, 0x1234, 0x8A674602}};
   const key_bytes k = counting_key();
   for (const bob_case& c : cases) EXPECT_EQ(bob_hash(k.data(), c.length, c.seed), c.hash) << c.length;
-}
-
-TEST(HashBits, EachUserTakesItsOwnBits) {
-  EXPECT_EQ(hash_get_lag_bits(0xAB0000CD), 0xBCD);
-  EXPECT_EQ(hash_get_sr_te_nrldi_bits(0x12345678), 0x12);
-  EXPECT_EQ(hash_get_srv6_flow_label_bits(0xFFFFFFFF), 0xFFFFFu);
-  EXPECT_EQ(hash_get_fab_rbh_bits(0x12345678), 0x78);
-  EXPECT_EQ(hash_get_fab_rack_cluster_bits(0xFFC00000), 0xFF);
-  EXPECT_EQ(hash_get_base_nrldi_bits(0x12345678), 0x56);
-  EXPECT_EQ(hash_get_1st_rldi_bits(0x001FE000), 0xFF);
-  EXPECT_EQ(hash_get_2nd_rldi_bits(0x12345678), 0x34);
-  EXPECT_EQ(hash_get_nsh_sf_bits(0x00000FF0), 0xFF);
 }
 
 }  // namespace

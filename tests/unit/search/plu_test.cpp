@@ -1,6 +1,6 @@
-// The PLU: keys as the front end lays them out, searches of routes and
-// (S, G) entries through resource 200 and the generated lookups, the control
-// side's writers with their refusals, and changes while a thread searches.
+// The PLU: searches of routes and (S, G) entries through resource 200 and
+// the generated lookups, the control side's writers with their refusals, and
+// changes while a thread searches.
 #include "npu/zephra/plu.h"
 
 #include <atomic>
@@ -13,24 +13,10 @@
 namespace {
 
 using namespace st;
-using bytes = std::vector<std::uint8_t>;
 using ctrl::error;
 
 const model::ip_bytes LINK_LOCAL = ipv6({0xfe80, 0, 0, 0, 0, 0, 0, 1});
 const model::ip_bytes IN_48 = ipv6({0x2001, 0xdb8, 1, 0, 0, 0, 0, 9});
-
-TEST(PluKeys, KeysHoldTheCodeTheVrfOrInterfaceAndTheAddress) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    plu_ipv4_global_unicast_addr(env, 0x0A010203, REQ, RESP);
-    EXPECT_EQ(bytes_at(env, REQ, 7), bytes({0x01, 0x00, 0x00, 0x0A, 0x01, 0x02, 0x03}));
-    // A link-local key leaves out the first address byte.
-    plu_ipv6_ll_unicast_addr(env, 0x01020304, LINK_LOCAL.data(), REQ, RESP);
-    bytes want = {0x0F, 0x01, 0x02, 0x03, 0x04};
-    want.insert(want.end(), LINK_LOCAL.begin() + 1, LINK_LOCAL.end());
-    EXPECT_EQ(bytes_at(env, REQ, 20), want);
-  });
-}
 
 // Result type, the leaf's tag and the prefix length of an answer.
 using answer = std::tuple<std::uint32_t, int, std::uint32_t>;

@@ -1,7 +1,7 @@
-// TCAM searches through the ITC: word 0 as the front end writes it, the
-// range stage's header, the engine's priority order and bit mask register,
-// the multi search's answer order, the result records, the control side's
-// refusals, and the IGPU's exact-match VLAN classification.
+// TCAM searches through the ITC: the range stage's header, the engine's
+// priority order and bit mask register, the multi search's answer order, the
+// result records, the control side's refusals, and the IGPU's exact-match
+// VLAN classification.
 #include "npu/zephra/tcam.h"
 #include "npu/zephra/arl.h"
 #include "npu/zephra/igpu.h"
@@ -21,27 +21,9 @@ constexpr std::uint32_t ARL_REQ_BYTES = sizeof(tcam_arl_search400_request_st);
 constexpr std::uint32_t ACL = 5;  // profiles of 400 bits
 constexpr std::uint32_t QOS = 6;
 
-std::uint32_t word_at(env_t env, std::uint32_t loc) { return dma_cell_words(env, loc)[0].get(); }
-
-TEST(TcamRequests, WordZeroAndTheRangeHeaderAreLaidOutForTheEngine) {
-  // Logical resources 0 and 2 are the direct searches.
-  EXPECT_EQ(translate_tcam_resource_id(0), 63u);
-  EXPECT_EQ(translate_tcam_resource_id(1), 59u);
-  EXPECT_EQ(translate_tcam_resource_id(2), 63u);
-  EXPECT_EQ(translate_tcam_resource_id(3), 59u);
+TEST(TcamRequests, TheRangeHeaderStandsTwentyBytesBeforeTheKey) {
   testkit::npu_harness h;
   h.on_thread([](env_t env) {
-    // Word 0: width, profiles and the mask enables.
-    itc_lookup_400b(env, RES_ITC_ACL_QOS, 125, REQ, RESP, ARL_REQ_BYTES, TCAM_ARL_CMD_LOC, FALSE, 0);
-    EXPECT_EQ(word_at(env, REQ + TCAM_ARL_CMD_LOC), 0x2A00007Du);
-    itc_lookup_400b(env, RES_ITC_ACL_QOS, 125, REQ, RESP, ARL_REQ_BYTES, TCAM_ARL_CMD_LOC, TRUE, 0xFF);
-    EXPECT_EQ(word_at(env, REQ + TCAM_ARL_CMD_LOC), 0x2A0000FDu);
-    npu_tcam_lookup_multi_640b(env, 0, 0x12, 0x34, REQ, RESP, sizeof(tcam_search640_request_st), 0, TRUE, 0);
-    EXPECT_EQ(word_at(env, REQ), 0x3001B492u);
-    itc_lookup_160b(env, RES_ITC_DIRECT, 3, REQ, RESP, sizeof(tcam_search160_request_st), 0, FALSE, 0);
-    EXPECT_EQ(word_at(env, REQ), 0x24000003u);
-
-    // The range stage's header stands twenty bytes before the key.
     arl_key_init_common_ING(env, dmem_at(env, KEY_LOC - 2), FALSE, 0x1234, 5, 6, 7);
     const auto arl = record_at<arl_request_st>(env, REQ);
     EXPECT_EQ(arl_request_st::word_0::get(arl), 4u);

@@ -47,8 +47,6 @@ TEST(TluReads, EachSizeDeliversItsBytesByAddressByPageAndIntoAnyMemory) {
   h.on_thread([&](env_t env) {
     tlu_read_4B(env, ADDR, 0, REQ, RESP, TLU_CACHE_ALWAYS);
     EXPECT_EQ(bytes_at(env, RESP, 8), std::vector<std::uint8_t>({0x10, 0x11, 0x12, 0x13, 0, 0, 0, 0}));
-    tlu_read_8B(env, ADDR, 0, REQ, RESP, TLU_CACHE_NEVER);
-    EXPECT_EQ(bytes_at(env, RESP, 8), first(8));
     tlu_read_16B(env, ADDR, 0, REQ, RESP, TLU_CACHE_PERIODIC);
     EXPECT_EQ(bytes_at(env, RESP, 16), first(16));
     tlu_read_32B_paging(env, 2, 9, REQ, RESP, TLU_CACHE_ALWAYS);
