@@ -1,12 +1,12 @@
 // Shared helpers of the exact-key table tests: the generated searches as a
 // table, a search run on an NPU thread, keys that share a home bucket, and
-// buckets written by hand.
+// buckets and entries written by hand.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -43,17 +43,15 @@ inline const std::vector<search_row>& all_searches() {
 #undef HT_SEARCH_ROW
 
 inline const search_row& search_of(const std::string& name) {
-  for (const search_row& r : all_searches()) {
-    if (name == r.name) return r;
-  }
-  throw std::invalid_argument("no search " + name);
+  return *std::find_if(all_searches().begin(), all_searches().end(),
+                       [&](const search_row& r) { return name == r.name; });
 }
 
 struct search_outcome {
   hash_search_rc_t after_part_2;
   hash_search_rc_t rc;
   std::uint32_t entry_index;
-  bytes result;  // the result's bytes on a match
+  bytes result;  // the result's first 8 bytes on a match
 };
 
 // The three parts of a search, one after the other on the NPU thread, as
@@ -68,10 +66,7 @@ inline search_outcome search(testkit::npu_harness& h, const search_row& row, byt
     out.after_part_2 = hash_search_rc(ctx);
     out.rc = row.part_3(env, key.data(), &ctx);
     out.entry_index = ctx.bucket_entry_index.get();
-    if (out.rc == HASH_SEARCH_RC_MATCH) {
-      const hash_search_result_st* r = row.result(env);
-      out.result.assign(r->bytes, r->bytes + sizeof r->bytes);
-    }
+    if (out.rc == HASH_SEARCH_RC_MATCH) out.result.assign(row.result(env)->bytes, row.result(env)->bytes + 8);
   });
   return out;
 }
@@ -81,27 +76,31 @@ inline bytes key_of(std::uint32_t bytes_wide, std::uint32_t seed) {
   for (std::uint32_t i = 0; i < bytes_wide; ++i) k[i] = static_cast<std::uint8_t>(seed >> (8 * (i % 4)) ^ (i * 0x3B));
   return k;
 }
-
 inline std::uint32_t key_width(const lookup_hash_table_st& t) { return t.key_bits / 8; }
+inline memaddr_t home_of(const lookup_hash_table_st& t, const bytes& key) {
+  return ctrl::hash_table_home_bucket(t, ctrl::hash_table_key_hash(t, key));
+}
+inline std::uint8_t signature_of(const lookup_hash_table_st& t, const bytes& key) {
+  return static_cast<std::uint8_t>(ctrl::hash_table_key_hash(t, key) >> 24);
+}
 
-// `count` keys of the table whose hashes pick one home bucket, from `seed` on.
-inline std::vector<bytes> keys_in_one_bucket(const lookup_hash_table_st& t, std::uint32_t count,
-                                             std::uint32_t seed = 1) {
-  std::vector<bytes> keys{key_of(key_width(t), seed)};
-  const memaddr_t home = ctrl::hash_table_home_bucket(t, ctrl::hash_table_key_hash(t, keys[0]));
-  for (std::uint32_t s = seed + 1; keys.size() < count; ++s) {
-    bytes k = key_of(key_width(t), s);
-    if (ctrl::hash_table_home_bucket(t, ctrl::hash_table_key_hash(t, k)) == home) keys.push_back(k);
+// `count` keys of the table whose hashes pick one home bucket.
+inline std::vector<bytes> keys_in_one_bucket(const lookup_hash_table_st& t, std::uint32_t count) {
+  std::vector<bytes> keys{key_of(key_width(t), 1)};
+  for (std::uint32_t s = 2; keys.size() < count; ++s) {
+    if (home_of(t, key_of(key_width(t), s)) == home_of(t, keys[0])) keys.push_back(key_of(key_width(t), s));
   }
   return keys;
 }
 
-inline memaddr_t home_of(const lookup_hash_table_st& t, const bytes& key) {
-  return ctrl::hash_table_home_bucket(t, ctrl::hash_table_key_hash(t, key));
-}
+inline bytes result_of(std::uint8_t fill) { return bytes(8, fill); }
 
-inline std::uint8_t signature_of(const lookup_hash_table_st& t, const bytes& key) {
-  return static_cast<std::uint8_t>(ctrl::hash_table_key_hash(t, key) >> 24);
+// Inserts the first `count` keys, key i with result_of(i).
+inline void insert(ctrl::hash_tables& tables, const lookup_hash_table_st& t, const std::vector<bytes>& keys,
+                   std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    ASSERT_EQ(tables.insert(t, keys[i], result_of(static_cast<std::uint8_t>(i))), ctrl::error::none);
+  }
 }
 
 inline hash_search_bucket_st read_bucket(testkit::npu_harness& h, memaddr_t addr) {
@@ -109,40 +108,25 @@ inline hash_search_bucket_st read_bucket(testkit::npu_harness& h, memaddr_t addr
   h.npu().memory().read(h.npu().memory().translate(addr), {reinterpret_cast<std::uint8_t*>(&b), sizeof b});
   return b;
 }
-
+inline hash_chain_bucket_st chain_bucket(testkit::npu_harness& h, memaddr_t addr) {
+  return hash_chain_unpack(addr, read_bucket(h, addr));
+}
+inline bool same(const hash_search_bucket_st& a, const hash_search_bucket_st& b) {
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
 inline void write_bucket(testkit::npu_harness& h, memaddr_t addr, const hash_search_bucket_st& b) {
   ctrl::write_record(h.npu(), addr, {reinterpret_cast<const std::uint8_t*>(&b), sizeof b});
 }
 
-inline bytes result_of(std::uint8_t fill, std::size_t size = 8) { return bytes(size, fill); }
-
 // An entry written by hand in the layout of the tables: table id, key,
 // result at the table's offset.
 inline void write_entry(testkit::npu_harness& h, const lookup_hash_table_st& t, memaddr_t addr, const bytes& key,
-                        const bytes& result) {
+                        const bytes& result, std::uint8_t id_offset = 0) {
   bytes e(t.res_offset + t.res_bytes);
-  e[0] = static_cast<std::uint8_t>(t.hash_tbl_id);
+  e[0] = static_cast<std::uint8_t>(t.hash_tbl_id + id_offset);
   std::copy(key.begin(), key.end(), e.begin() + 1);
   std::copy(result.begin(), result.end(), e.begin() + t.res_offset);
   ctrl::write_record(h.npu(), addr, e);
 }
-
-// The Io of the control side that runs `check` after each bucket write, so
-// that a test sees the chain between the writes of one change.
-struct watched_io {
-  ctrl::hash_memory_io inner;
-  std::function<void()> check;
-  std::uint32_t writes = 0;
-
-  hash_search_bucket_st read(memaddr_t b) const { return inner.read(b); }
-  void write(memaddr_t b, const hash_search_bucket_st& v) {
-    inner.write(b, v);
-    ++writes;
-    check();
-  }
-  hash_entry_head_st read_entry_head(memaddr_t e) const { return inner.read_entry_head(e); }
-  memaddr_t take_bucket() { return inner.take_bucket(); }
-  void give_bucket(memaddr_t b) { inner.give_bucket(b); }
-};
 
 }  // namespace ht

@@ -1,5 +1,5 @@
 // Shared helpers of the search engine tests: cells of data memory, records
-// read back as bytes, and route leaves that tell themselves apart.
+// read back as bytes, and leaves that tell themselves apart.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -33,9 +33,10 @@ inline std::vector<std::uint8_t> bytes_at(env_t env, std::uint32_t loc, std::siz
   return {dmem_at(env, loc), dmem_at(env, loc) + n};
 }
 
-// A leaf whose bytes all carry `tag`.
-inline ctrl::route_leaf leaf_of(std::uint8_t tag) {
-  ctrl::route_leaf l;
+// A route or group leaf whose bytes all carry `tag`.
+template <class Leaf = ctrl::route_leaf>
+Leaf leaf_of(std::uint8_t tag) {
+  Leaf l;
   l.fill(tag);
   return l;
 }
@@ -49,7 +50,5 @@ inline model::ip_bytes ipv6(std::initializer_list<std::uint16_t> groups) {
   }
   return b;
 }
-
-inline void use_threadsafe_death_tests() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
 }  // namespace st

@@ -1,9 +1,10 @@
-// TCAM searches through the ITC: word 0 as the front end writes it, the
-// range stage's header, the engine's priority order and bit mask register,
-// the multi search's answer order, the result records, and the control
-// side's refusals.
-#include "npu/zephra/arl.h"
+// TCAM searches through the ITC: the range stage's header, the engine's
+// priority order and bit mask register, the multi search's answer order, the
+// result records, the control side's refusals, and the IGPU's exact-match
+// VLAN classification.
 #include "npu/zephra/tcam.h"
+#include "npu/zephra/arl.h"
+#include "npu/zephra/igpu.h"
 #include "npu/zephra/tlu.h"
 
 #include "ctrl/tcam_entries.h"
@@ -20,30 +21,7 @@ constexpr std::uint32_t ARL_REQ_BYTES = sizeof(tcam_arl_search400_request_st);
 constexpr std::uint32_t ACL = 5;  // profiles of 400 bits
 constexpr std::uint32_t QOS = 6;
 
-TEST(TcamResources, LogicalZeroAndTwoAreTheDirectSearches) {
-  EXPECT_EQ(translate_tcam_resource_id(0), 63u);
-  EXPECT_EQ(translate_tcam_resource_id(1), 59u);
-  EXPECT_EQ(translate_tcam_resource_id(2), 63u);
-  EXPECT_EQ(translate_tcam_resource_id(3), 59u);
-}
-
-std::uint32_t word_at(env_t env, std::uint32_t loc) { return dma_cell_words(env, loc)[0].get(); }
-
-TEST(TcamRequests, WordZeroCarriesWidthProfilesAndMaskEnables) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    itc_lookup_400b(env, RES_ITC_ACL_QOS, 125, REQ, RESP, ARL_REQ_BYTES, TCAM_ARL_CMD_LOC, FALSE, 0);
-    EXPECT_EQ(word_at(env, REQ + TCAM_ARL_CMD_LOC), 0x2A00007Du);
-    itc_lookup_400b(env, RES_ITC_ACL_QOS, 125, REQ, RESP, ARL_REQ_BYTES, TCAM_ARL_CMD_LOC, TRUE, 0xFF);
-    EXPECT_EQ(word_at(env, REQ + TCAM_ARL_CMD_LOC), 0x2A0000FDu);
-    npu_tcam_lookup_multi_640b(env, 0, 0x12, 0x34, REQ, RESP, sizeof(tcam_search640_request_st), 0, TRUE, 0);
-    EXPECT_EQ(word_at(env, REQ), 0x3001B492u);
-    itc_lookup_160b(env, RES_ITC_DIRECT, 3, REQ, RESP, sizeof(tcam_search160_request_st), 0, FALSE, 0);
-    EXPECT_EQ(word_at(env, REQ), 0x24000003u);
-  });
-}
-
-TEST(TcamRequests, RangeHeaderStandsTwentyBytesBeforeTheKey) {
+TEST(TcamRequests, TheRangeHeaderStandsTwentyBytesBeforeTheKey) {
   testkit::npu_harness h;
   h.on_thread([](env_t env) {
     arl_key_init_common_ING(env, dmem_at(env, KEY_LOC - 2), FALSE, 0x1234, 5, 6, 7);
@@ -72,13 +50,12 @@ class TcamSearches : public testing::Test {
     key400 bmr;
     bmr.fill(0xFF);
     bmr[0] = 0x0F;  // a search with bmr enabled ignores the high half of the first byte
-    ASSERT_EQ(tables().tcam().configure_profile(ACL, 400, bmr), ctrl::error::none);
-    ASSERT_EQ(tables().tcam().configure_profile(QOS, 400), ctrl::error::none);
+    ASSERT_EQ(tcam().configure_profile(ACL, 400, bmr), ctrl::error::none);
+    ASSERT_EQ(tcam().configure_profile(QOS, 400), ctrl::error::none);
   }
-  model::npu& n() { return h.npu(); }
-  ctrl::npu_tables& tables() { return h.tables(); }
+  ctrl::tcam_entries& tcam() { return h.tables().tcam(); }
   void entry(std::uint32_t index, std::uint32_t profile, const key400& value, const key400& mask) {
-    ASSERT_EQ(tables().tcam().write_entry({index, profile, value, mask}), ctrl::error::none);
+    ASSERT_EQ(tcam().write_entry({index, profile, value, mask}), ctrl::error::none);
   }
   // Searches `key` in one profile through resource 59; the hit address, or none.
   std::optional<std::uint32_t> search(const key400& key, std::uint32_t profile, boolean_t bmr = FALSE) {
@@ -95,24 +72,20 @@ class TcamSearches : public testing::Test {
   testkit::npu_harness h;
 };
 
-TEST_F(TcamSearches, TheLowestMatchingIndexWins) {
+TEST_F(TcamSearches, TheLowestMatchingIndexWinsAmongTheBitsTheMaskRegisterKeeps) {
   const key400 any{};
   entry(7, ACL, any, any);
   entry(3, ACL, key_of(0x11), key_of(0xFF));
   entry(9, ACL, key_of(0x11), key_of(0xFF));
   EXPECT_EQ(search(key_of(0x11), ACL), 3u);
   EXPECT_EQ(search(key_of(0x12), ACL), 7u);
-  ASSERT_EQ(tables().tcam().delete_entry(7), ctrl::error::none);
+  ASSERT_EQ(tcam().delete_entry(7), ctrl::error::none);
   EXPECT_EQ(search(key_of(0x12), ACL), std::nullopt);
   EXPECT_EQ(search(key_of(0x11), QOS), std::nullopt);
-}
-
-TEST_F(TcamSearches, TheBitMaskRegisterNarrowsTheComparedBits) {
-  entry(1, ACL, key_of(0x11), key_of(0xFF));
   key400 k = key_of(0x11);
   k[0] = 0x71;
   EXPECT_EQ(search(k, ACL, FALSE), std::nullopt);
-  EXPECT_EQ(search(k, ACL, TRUE), 1u);
+  EXPECT_EQ(search(k, ACL, TRUE), 3u);
 }
 
 TEST_F(TcamSearches, MultiSearchAnswersTheSecondProfileFirstAndSplitsTheFirstAddress) {
@@ -127,8 +100,6 @@ TEST_F(TcamSearches, MultiSearchAnswersTheSecondProfileFirstAndSplitsTheFirstAdd
     EXPECT_EQ(m::srch_hit_1::get(r), 1u);
     EXPECT_EQ(m::hit_addr_1::get(r), 0x0042u);
     EXPECT_EQ(m::srch_hit_0::get(r), 1u);
-    EXPECT_EQ(m::hit_addr_0h::get(r), 0x1235u >> 2);
-    EXPECT_EQ(m::hit_addr_0l::get(r), 1u);
     EXPECT_EQ(tcam_multi_hit_addr_0(r), 0x1235u);
   });
 }
@@ -136,8 +107,8 @@ TEST_F(TcamSearches, MultiSearchAnswersTheSecondProfileFirstAndSplitsTheFirstAdd
 TEST_F(TcamSearches, DirectSearchesTakeNoRangeHeader) {
   std::array<std::uint8_t, 20> li{};
   li[19] = 0x5A;
-  ASSERT_EQ(tables().tcam().configure_profile(9, 160), ctrl::error::none);
-  ASSERT_EQ(tables().tcam().write_entry({44, 9, li, li}), ctrl::error::none);
+  ASSERT_EQ(tcam().configure_profile(9, 160), ctrl::error::none);
+  ASSERT_EQ(tcam().write_entry({44, 9, li, li}), ctrl::error::none);
   h.on_thread([&](env_t env) {
     std::memcpy(dmem_at(env, REQ + 4), li.data(), li.size());
     npu_tcam_lookup_160b(env, 0, 9, REQ, RESP, sizeof(tcam_search160_request_st), TCAM_DIRECT_CMD_LOC, FALSE, 0);
@@ -147,63 +118,81 @@ TEST_F(TcamSearches, DirectSearchesTakeNoRangeHeader) {
   });
 }
 
-struct refusal {
-  const char* name;
-  std::uint32_t index;
-  std::uint32_t profile;
-  std::uint8_t value;
-  std::uint8_t mask;
-  ctrl::error want;
-};
-
-class TcamRefusals : public TcamSearches, public testing::WithParamInterface<refusal> {};
-
-TEST_P(TcamRefusals, LeaveTheEntriesAsTheyWere) {
+TEST_F(TcamSearches, RefusalsLeaveTheEntriesAsTheyWere) {
   entry(2, ACL, key_of(0x11), key_of(0xFF));
-  const refusal& r = GetParam();
-  EXPECT_EQ(tables().tcam().write_entry({r.index, r.profile, key_of(r.value), key_of(r.mask)}), r.want);
+  EXPECT_EQ(tcam().write_entry({1, ACL, key_of(0x11), key_of(0x0F)}), ctrl::error::mask_value_mismatch);
+  EXPECT_EQ(tcam().write_entry({1, 40, key_of(0x01), key_of(0x0F)}), ctrl::error::unknown_profile);
+  EXPECT_EQ(tcam().write_entry({1, 128, key_of(0x01), key_of(0x0F)}), ctrl::error::out_of_range);
+  EXPECT_EQ(tcam().write_entry({0x10000, ACL, key_of(0x01), key_of(0x0F)}), ctrl::error::out_of_range);
+  const std::array<std::uint8_t, 20> narrow{};
+  EXPECT_EQ(tcam().write_entry({1, ACL, narrow, narrow}), ctrl::error::bad_size);
+  EXPECT_EQ(tcam().delete_entry(1), ctrl::error::not_found);
+  EXPECT_EQ(tcam().configure_profile(7, 100), ctrl::error::bad_size);
+  EXPECT_EQ(tcam().configure_profile(7, 80, std::array<std::uint8_t, 3>{}), ctrl::error::bad_size);
   EXPECT_EQ(search(key_of(0x11), ACL), 2u);
   EXPECT_EQ(search(key_of(0x01), ACL), std::nullopt);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Input, TcamRefusals,
-    testing::Values(refusal{"ValueOutsideItsMask", 1, ACL, 0x11, 0x0F, ctrl::error::mask_value_mismatch},
-                    refusal{"ProfileNotConfigured", 1, 40, 0x01, 0x0F, ctrl::error::unknown_profile},
-                    refusal{"ProfilePastSevenBits", 1, 128, 0x01, 0x0F, ctrl::error::out_of_range},
-                    refusal{"IndexPastSixteenBits", 0x10000, ACL, 0x01, 0x0F, ctrl::error::out_of_range}),
-    [](const testing::TestParamInfo<refusal>& p) { return p.param.name; });
-
-TEST_F(TcamSearches, ProfilesAndEntriesOfAnotherWidthAreRefused) {
-  EXPECT_EQ(tables().tcam().configure_profile(7, 100), ctrl::error::bad_size);
-  const std::array<std::uint8_t, 3> short_bmr{};
-  EXPECT_EQ(tables().tcam().configure_profile(7, 80, short_bmr), ctrl::error::bad_size);
-  const std::array<std::uint8_t, 20> narrow{};
-  EXPECT_EQ(tables().tcam().write_entry({1, ACL, narrow, narrow}), ctrl::error::bad_size);
-  EXPECT_EQ(tables().tcam().delete_entry(1), ctrl::error::not_found);
-}
-
 TEST_F(TcamSearches, ResultRecordsCarryTheCoherencyBitAndChangeThroughTheForwardState) {
-  ctrl::protected_record first{};
-  first[31] = 1;
-  ASSERT_EQ(tables().tcam().write_result(TPD_IDX_COMMON_ACL_RESULT, 0x1235, first), ctrl::error::none);
-  ctrl::protected_record second{};
-  second[31] = 2;
-  ASSERT_EQ(tables().tcam().write_result(TPD_IDX_COMMON_ACL_RESULT, 0x1235, second), ctrl::error::none);
+  for (std::uint8_t last : {1, 2}) {
+    ctrl::protected_record r{};
+    r[31] = last;
+    ASSERT_EQ(tcam().write_result(TPD_IDX_COMMON_ACL_RESULT, 0x1235, r), ctrl::error::none);
+  }
   h.on_thread([&](env_t env) {
     tlu_read_32B_paging(env, 0x1235, TPD_IDX_COMMON_ACL_RESULT, RESP, RESP, TLU_CACHE_ALWAYS);
     EXPECT_EQ(*dmem_at(env, RESP), 0x80);
     EXPECT_EQ(*dmem_at(env, RESP + 31), 2);
   });
   ctrl::protected_record shadow{};
-  n().memory().read(ctrl::shadow_address(0x40000 + 0x1235), shadow);
+  h.npu().memory().read(ctrl::shadow_address(0x40000 + 0x1235), shadow);
   EXPECT_EQ(shadow[0], 0x80);
   EXPECT_EQ(shadow[31], 1);
 }
 
+using req = igpu_resp_match_request_;
+using resp = igpu_resp_match_response_;
+
+req two_tags(std::uint32_t outer, std::uint32_t inner) {
+  req r{};
+  req::first_vlan_id::set(r, outer);
+  req::second_vlan_id::set(r, inner);
+  req::bundle_logical_port_upper::set(r, 0x3);
+  req::bundle_logical_port_lower::set(r, 0x21);
+  req::frame_type::set(r, 2);
+  return r;
+}
+
+resp classify(testkit::npu_harness& h, const req& r) {
+  resp out{};
+  h.on_thread([&](env_t env) {
+    std::memcpy(dmem_at(env, REQ), r.bytes, sizeof r.bytes);
+    igpu_launch_vlan_classification_lookup(env, REQ, RESP);
+    out = record_at<resp>(env, RESP);
+  });
+  return out;
+}
+
+TEST(Igpu, AMatchAnswersTheInterfaceAndItsMarks) {
+  testkit::npu_harness h;
+  EXPECT_EQ(h.tables().tcam().write_igpu_entry(two_tags(100, 200), 1, 0x100000), ctrl::error::out_of_range);
+  EXPECT_EQ(h.tables().tcam().delete_igpu_entry(two_tags(100, 200)), ctrl::error::not_found);
+  EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 200))), 0u);
+  ASSERT_EQ(h.tables().tcam().write_igpu_entry(two_tags(100, 200), 0x1234, 0xABCDE), ctrl::error::none);
+  req asked = two_tags(100, 200);
+  req::reserved_1::set(asked, 0xFFFF);  // not compared
+  const resp hit = classify(h, asked);
+  EXPECT_EQ(resp::result::get(hit), 1u);
+  EXPECT_EQ(resp::uidb_index::get(hit), 0x1234u);
+  EXPECT_EQ(resp::mark_bits::get(hit), 0xABCDEu);
+  EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 201))), 0u);
+  ASSERT_EQ(h.tables().tcam().delete_igpu_entry(two_tags(100, 200)), ctrl::error::none);
+  EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 200))), 0u);
+}
+
 #ifndef NDEBUG
 TEST(TcamDeathTest, ASearchOfAnotherWidthThanItsProfileStops) {
-  use_threadsafe_death_tests();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(
       {
         testkit::npu_harness h;

@@ -20,85 +20,54 @@ std::array<std::uint8_t, 32> numbered(std::uint8_t first) {
 
 // Only a read with allocation leaves a line in the strict cache, so the
 // count of lines tells which resource a read went to.
-struct policy_case {
-  std::uint32_t thread;
-  tlu_cache_policy_e policy;
-  bool allocates;
-};
-
-class TluCachePolicy : public testing::TestWithParam<policy_case> {};
-
-TEST_P(TluCachePolicy, PicksTheResourceWithOrWithoutAllocation) {
-  const policy_case& c = GetParam();
-  testkit::npu_harness h(1, 18);
-  h.npu().tlu_cache().set_strict(true);
-  h.on_thread([&](env_t env) { tlu_read_32B(env, ADDR, REQ, RESP, c.policy); }, 0, c.thread);
-  EXPECT_EQ(h.npu().tlu_cache().lines(), c.allocates ? 1u : 0u);
+TEST(TluCachePolicy, PicksTheResourceWithOrWithoutAllocation) {
+  const struct {
+    std::uint32_t thread;
+    tlu_cache_policy_e policy;
+    bool allocates;
+  } rows[] = {{16, TLU_CACHE_PERIODIC, true},
+              {0, TLU_CACHE_PERIODIC, false},
+              {17, TLU_CACHE_PERIODIC, false},
+              {0, TLU_CACHE_ALWAYS, true},
+              {16, TLU_CACHE_NEVER, false}};
+  for (const auto& r : rows) {
+    testkit::npu_harness h(1, 18);
+    h.npu().tlu_cache().set_strict(true);
+    h.on_thread([&](env_t env) { tlu_read_32B(env, ADDR, REQ, RESP, r.policy); }, 0, r.thread);
+    EXPECT_EQ(h.npu().tlu_cache().lines(), r.allocates ? 1u : 0u) << "thread " << r.thread << " policy " << r.policy;
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(Threads, TluCachePolicy,
-                         testing::Values(policy_case{16, TLU_CACHE_PERIODIC, true},
-                                         policy_case{0, TLU_CACHE_PERIODIC, false},
-                                         policy_case{17, TLU_CACHE_PERIODIC, false},
-                                         policy_case{0, TLU_CACHE_ALWAYS, true},
-                                         policy_case{16, TLU_CACHE_NEVER, false}));
-
-TEST(TluReads, EachSizeDeliversItsBytesByAddressAndByPage) {
+TEST(TluReads, EachSizeDeliversItsBytesByAddressByPageAndIntoAnyMemory) {
   testkit::npu_harness h;
   const auto rec = numbered(0x10);
+  const auto first = [&](std::size_t n) { return std::vector<std::uint8_t>(rec.begin(), rec.begin() + n); };
   ctrl::write_record(h.npu(), ADDR, rec);
   ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR - 2 * 32, 32), ctrl::error::none);
   h.on_thread([&](env_t env) {
     tlu_read_4B(env, ADDR, 0, REQ, RESP, TLU_CACHE_ALWAYS);
     EXPECT_EQ(bytes_at(env, RESP, 8), std::vector<std::uint8_t>({0x10, 0x11, 0x12, 0x13, 0, 0, 0, 0}));
-    tlu_read_8B(env, ADDR, 0, REQ, RESP, TLU_CACHE_NEVER);
-    EXPECT_EQ(bytes_at(env, RESP, 8), std::vector<std::uint8_t>(rec.begin(), rec.begin() + 8));
     tlu_read_16B(env, ADDR, 0, REQ, RESP, TLU_CACHE_PERIODIC);
-    EXPECT_EQ(bytes_at(env, RESP, 16), std::vector<std::uint8_t>(rec.begin(), rec.begin() + 16));
+    EXPECT_EQ(bytes_at(env, RESP, 16), first(16));
     tlu_read_32B_paging(env, 2, 9, REQ, RESP, TLU_CACHE_ALWAYS);
-    EXPECT_EQ(bytes_at(env, RESP, 32), std::vector<std::uint8_t>(rec.begin(), rec.end()));
-  });
-}
+    EXPECT_EQ(bytes_at(env, RESP, 32), first(32));
 
-TEST(TluReads, ReadIntoAnyMemoryLeavesTheFirstDataMemoryBytesAsTheyWere) {
-  testkit::npu_harness h;
-  const auto rec = numbered(0x40);
-  ctrl::write_record(h.npu(), ADDR, rec);
-  h.on_thread([&](env_t env) {
+    // Reads into any memory leave the first data memory bytes as they were.
     const auto before = bytes_at(env, 0, 32);
     std::array<std::uint8_t, 32> out{};
     tlu_read_32B_no_dmem(env, ADDR, out.data(), TLU_CACHE_ALWAYS);
     EXPECT_EQ(out, rec);
-    EXPECT_EQ(bytes_at(env, 0, 32), before);
-    std::array<std::uint8_t, 16> half{};
-    tlu_read_16B_no_dmem(env, ADDR + 16, 0, half.data(), TLU_CACHE_NEVER);
-    EXPECT_TRUE(std::equal(half.begin(), half.end(), rec.begin() + 16));
+    tlu_read_16B_no_dmem(env, ADDR + 16, 0, out.data(), TLU_CACHE_NEVER);
+    EXPECT_TRUE(std::equal(out.begin(), out.begin() + 16, rec.begin() + 16));
     EXPECT_EQ(bytes_at(env, 0, 32), before);
   });
 }
 
-TEST(TluMod, TenOverThreeGivesRemainderOneQuotientThree) {
-  testkit::npu_harness h;
-  h.on_thread([&](env_t env) {
-    tlu_mod(env, RES_TLU_DIV, {3, 10}, REQ, RESP);
-    const auto r = record_at<tlu_long_div_rmr_response_>(env, RESP);
-    EXPECT_EQ(tlu_long_div_rmr_response_::mod_rem::get(r), 1u);
-    EXPECT_EQ(tlu_long_div_rmr_response_::mod_quot::get(r), 3u);
-  });
-}
-
-// Members of 16 and 32 bytes from ADDR, member i filled from 0x20 * i.
-void write_members(testkit::npu_harness& h) {
-  for (std::uint8_t i = 0; i < 4; ++i) {
-    const auto m = numbered(static_cast<std::uint8_t>(0x20 * i));
-    ctrl::write_record(h.npu(), ADDR + 32u * i, m);
-  }
-  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR, 16), ctrl::error::none);
-}
-
+// Members of 16 and 32 bytes from ADDR, member i of 32 bytes filled from 0x20 * i.
 TEST(TluMod, MemberReadsTakeTheRemainderThMember) {
   testkit::npu_harness h;
-  write_members(h);
+  for (std::uint8_t i = 0; i < 4; ++i) ctrl::write_record(h.npu(), ADDR + 32u * i, numbered(0x20 * i));
+  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR, 16), ctrl::error::none);
   const tlu_mod_operands_st seven_by_four{4, 7};  // remainder 3
   h.on_thread([&](env_t env) {
     const tlu_mod_loc_st loc{REQ, RESP, TLU_CACHE_ALWAYS};
@@ -134,47 +103,32 @@ TEST(TluTranslation, PagedTranslationGivesTheRecordOrTheDescriptorError) {
   });
 }
 
-class StrictTluCache : public testing::Test {
- protected:
-  void SetUp() override {
-    h.npu().tlu_cache().set_strict(true);
-    ctrl::write_record(h.npu(), ADDR, numbered(1));
-  }
-  std::uint8_t cached_first_byte() {
+// Only a read with allocation fills the strict cache; a writer that
+// forgets to invalidate leaves readers on the old record.
+TEST(StrictTluCache, StaleLinesLastUntilAnInvalidate) {
+  testkit::npu_harness h;
+  h.npu().tlu_cache().set_strict(true);
+  ctrl::write_record(h.npu(), ADDR, numbered(1));
+  const auto first_byte = [&](tlu_cache_policy_e policy) {
     std::uint8_t b = 0;
     h.on_thread([&](env_t env) {
-      tlu_read_32B(env, ADDR, REQ, RESP, TLU_CACHE_ALWAYS);
+      tlu_read_32B(env, ADDR, REQ, RESP, policy);
       b = *dmem_at(env, RESP);
     });
     return b;
-  }
-  testkit::npu_harness h;
-};
-
-TEST_F(StrictTluCache, AWriterThatForgetsToInvalidateLeavesReadersOnTheOldRecord) {
-  EXPECT_EQ(cached_first_byte(), 1);
+  };
+  EXPECT_EQ(first_byte(TLU_CACHE_ALWAYS), 1);
   h.npu().memory().write(ADDR, numbered(2));
-  EXPECT_EQ(cached_first_byte(), 1);
+  EXPECT_EQ(first_byte(TLU_CACHE_ALWAYS), 1);
+  EXPECT_EQ(first_byte(TLU_CACHE_NEVER), 2);
   h.on_thread([&](env_t env) { tlu_invalidate(env, 0, ADDR + 8, FALSE, REQ, RESP); });
-  EXPECT_EQ(cached_first_byte(), 2);
-}
-
-TEST_F(StrictTluCache, ReadsWithoutAllocationSeeMemory) {
-  EXPECT_EQ(cached_first_byte(), 1);
-  h.npu().memory().write(ADDR, numbered(2));
-  h.on_thread([&](env_t env) {
-    tlu_read_32B(env, ADDR, REQ, RESP, TLU_CACHE_NEVER);
-    EXPECT_EQ(*dmem_at(env, RESP), 2);
-  });
-}
-
-TEST_F(StrictTluCache, ControlSideAndInvalidatingProgramWritesAreSeen) {
-  EXPECT_EQ(cached_first_byte(), 1);
+  EXPECT_EQ(first_byte(TLU_CACHE_ALWAYS), 2);
+  // The control side's writes and the program's invalidating writes are seen.
   ctrl::write_record(h.npu(), ADDR, numbered(3));
-  EXPECT_EQ(cached_first_byte(), 3);
+  EXPECT_EQ(first_byte(TLU_CACHE_ALWAYS), 3);
   const auto rec = numbered(4);
   h.on_thread([&](env_t env) { dma_write_32B(env, ADDR, RES_TLU_LONG, rec.data(), REQ, RESP, {FALSE, TRUE, TRUE}); });
-  EXPECT_EQ(cached_first_byte(), 4);
+  EXPECT_EQ(first_byte(TLU_CACHE_ALWAYS), 4);
 }
 
 }  // namespace

