@@ -122,7 +122,6 @@ INSTANTIATE_TEST_SUITE_P(
                 "lookups.txt:1: ID_UIDB_L3_ING__COMM: slot 0x148 is not a multiple of 16"},
         refused{"misaligned_cell", "STATS_ADD_INC__COMM cell=0x308 live=g",
                 "ID_STATS_ADD_INC__COMM: cell 0x308 is not a multiple of 16"},
-        refused{"misaligned_counter_cell", "STATS_INC_GLB_CNT__DEBUG cell=0x2D4", "cell 0x2D4 is not a multiple of 16"},
         refused{"slot_past_reach", "UIDB_L3_ING__COMM slot=0x3F0 type=rec live=g",
                 "slot 0x3F0 with 32 bytes reaches past the first 1024 bytes"},
         refused{"cell_past_reach", "STATS_ADD_INC__COMM cell=0x400 live=g",
