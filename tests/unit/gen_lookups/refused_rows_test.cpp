@@ -90,7 +90,6 @@ INSTANTIATE_TEST_SUITE_P(
         refused{"lock_with_result",
                 "MAC_LOCK__MN__ACQUIRE cell=0x020 slot=0x020 type=rec live=g\nMAC_LOCK__MN__RELEASE cell=0x020 live=g",
                 "a lock row takes cell= and live= only"},
-        refused{"conversion_without_cell", "FLOWLOCK_CONVERT__TAIL live=tail", "needs cell=<request cell>"},
         refused{"modulus_read_of_a_direct_table", "LAG_INFO_ING__COMM slot=0x060 type=rec live=g",
                 "a read with modulus needs a paged table, and LAG_INFO_ING is not one",
                 "[engine form=mod_read template=1.8 response=32]\nLAG_INFO_ING\n[tags]\nCOMM",
