@@ -35,13 +35,9 @@ TEST(FabHdrConvert, CompressedToDc3GrowsEightBytesAhead) {
   EXPECT_EQ(bytes(buf.begin(), buf.begin() + 32), dc3_mc);
   EXPECT_EQ(buf[32], 0xAB);
   EXPECT_EQ(buf[33], 0xCD);
-}
-
-TEST(FabHdrConvert, UnicastDestinationSetsSfpValid) {
-  bytes c = compressed_mc;
-  c[0] = 0x81;  // multicast_flag clear
-  bytes buf(8, 0);
-  buf.insert(buf.end(), c.begin(), c.end());
+  buf.assign(8, 0);
+  buf.insert(buf.end(), compressed_mc.begin(), compressed_mc.end());
+  buf[8] = 0x81;  // multicast_flag clear: a unicast destination sets sfp_valid
   plat_fab_convert_compressed_location_to_dc3(nullptr, buf.data() + 8, 100);
   EXPECT_EQ(buf[22], 0x11);
   EXPECT_EQ(buf[23], 0x23);

@@ -32,14 +32,6 @@ TEST(PuntInjectHdr, ExtensionGoldenRoundTrip) {
       {0x34, 0x12, 0x56, 0x00, 0xAD, 0xC8, 0x2A, 0x89, 0x00, 0x00,
        0xA1, 0xB2, 0xC3, 0xD4, 0x07, 0x3F, 0x11, 0x22, 0x33, 0x44},
       {0x1234, 0x56, 0x2B7, 2, 0x2A, 1, 1, 1, 0xA1B2C3D4, 0x07, 0x3F, 0x11223344});
-  // The next-hop view of bytes 10..15.
-  varn_nph_punt_inject_ext_st ext{};
-  e::hash_data::raw_hash::set(ext, 0xA1B2C3D4);
-  e::hash_data::nrldim::set(ext, 0x07);
-  e::hash_data::rldim::set(ext, 0x3F);
-  EXPECT_EQ(e::nhid_data::nhid::get(ext), 0xA1B2C3u);
-  EXPECT_EQ(e::nhid_data::out_label_msb::get(ext), 0xD407u);
-  EXPECT_EQ(e::nhid_data::out_label_lsb::get(ext), 0x3Fu);
 }
 
 TEST(PuntInjectHdr, BufferHeaderGoldenRoundTrip) {

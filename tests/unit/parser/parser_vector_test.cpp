@@ -1,5 +1,7 @@
 // The parser's vector rules, one frame each from the packet builder, on a
-// line card whose ports and interfaces the control side set up.
+// line card whose ports and interfaces the control side set up. The clean
+// frame of each kind and the first exception of each protocol stand in the
+// ingress scenario, which follows them on to their handler or counter.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -22,10 +24,8 @@ using namespace model;
 
 enum port_no : std::uint32_t {
   ROUTED = 1,     // IPv4, IPv6, MPLS; VLAN 100 (IPv4 only); 0x88A8 200 / 0x8100 300
-  V6_ONLY = 2,    // routes IPv6 alone
   BRIDGE = 3,     // L2 bridge port on the whole port
   XCONNECT = 4,   // L2 cross-connect on VLAN 10
-  INJECT = 5,     // input queue 80
   FORCE_L2 = 6,   // force_l2_ctrl_vector, with a routed interface
   UNSET = 7,      // no settings
 };
@@ -52,17 +52,13 @@ void PrintTo(const row& r, std::ostream* os) { *os << r.what; }
 
 const std::vector<row>& rows() {
   static const std::vector<row> r = {
-      {"clean IPv4 unicast", ROUTED, [] { return udp(ipv4()); }, VECTOR_IPV4_UNICAST},
-      {"IPv4 to another station's MAC", ROUTED, [] { return udp(ipv4(to_router(PEER_MAC))); }, VECTOR_IPV4_EXCEPTION},
       {"IPv4 unicast to the broadcast MAC", ROUTED, [] { return udp(ipv4(to_router(pkt::mac("ff:ff:ff:ff:ff:ff")))); },
        VECTOR_IPV4_EXCEPTION},
       {"IPv4 multicast to its group's MAC", ROUTED,
        [] { return udp(ipv4(to_router(pkt::mac("01:00:5e:01:02:03")), "239.129.2.3")); }, VECTOR_IPV4_MULTICAST},
       {"IPv4 multicast to another group's MAC", ROUTED,
        [] { return udp(ipv4(to_router(pkt::mac("01:00:5e:01:02:04")), "239.1.2.3")); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 with a bad checksum", ROUTED, [] { return udp(ipv4().bad_checksum()); }, VECTOR_IPV4_EXCEPTION},
       {"IPv4 with options", ROUTED, [] { return udp(ipv4().ip_option(1)); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 with TTL 1", ROUTED, [] { return udp(ipv4().ttl(1)); }, VECTOR_IPV4_EXCEPTION},
       {"IPv4 with TTL 0", ROUTED, [] { return udp(ipv4().ttl(0)); }, VECTOR_IPV4_EXCEPTION},
       {"IPv4 header cut short", ROUTED, [] { return ipv4().udp(1, 2).truncate(14 + 12).build(); },
        VECTOR_IPV4_EXCEPTION},
@@ -70,8 +66,6 @@ const std::vector<row>& rows() {
        VECTOR_IPV4_EXCEPTION},
       {"IPv4 from a loopback source", ROUTED,
        [] { return udp(to_router().ipv4(pkt::ip4("127.0.0.1"), pkt::ip4("192.0.2.1"))); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 on an interface without IPv4", V6_ONLY, [] { return udp(ipv4()); }, VECTOR_IPV4_EXCEPTION},
-      {"clean IPv6 unicast", ROUTED, [] { return udp(ipv6()); }, VECTOR_IPV6_UNICAST},
       {"IPv6 multicast to its group's MAC", ROUTED,
        [] { return udp(ipv6(to_router(pkt::mac("33:33:00:01:00:03")), "ff05::1:3")); }, VECTOR_IPV6_MULTICAST},
       {"IPv6 from :: to a solicited-node group", ROUTED,
@@ -79,18 +73,11 @@ const std::vector<row>& rows() {
        VECTOR_IPV6_MULTICAST},
       {"IPv6 from :: to a unicast address", ROUTED, [] { return udp(ipv6(to_router(), "2001:db8::2", "::")); },
        VECTOR_IPV6_EXCEPTION},
-      {"IPv6 with hop limit 1", ROUTED, [] { return udp(ipv6().ttl(1)); }, VECTOR_IPV6_EXCEPTION},
       {"IPv6 header cut short", ROUTED, [] { return ipv6().udp(1, 2).truncate(14 + 30).build(); },
        VECTOR_IPV6_EXCEPTION},
       {"IPv6 payload beyond the frame", ROUTED, [] { return ipv6().udp(1, 2).payload(20).truncate(14 + 45).build(); },
        VECTOR_IPV6_EXCEPTION},
       {"IPv6 from ::1", ROUTED, [] { return udp(ipv6(to_router(), "2001:db8::2", "::1")); }, VECTOR_IPV6_EXCEPTION},
-      {"IPv6 on a VLAN that routes IPv4 alone", ROUTED, [] { return udp(ipv6(to_router().vlan(0x8100, 100))); },
-       VECTOR_IPV6_EXCEPTION},
-      {"clean MPLS", ROUTED, [] { return udp(ipv4(labelled())); }, VECTOR_MPLS},
-      {"MPLS with TTL 1", ROUTED, [] { return udp(ipv4(to_router().mpls(100, 0, 1))); }, VECTOR_MPLS_EXCEPTION},
-      {"MPLS to another station's MAC", ROUTED, [] { return udp(ipv4(labelled(to_router(PEER_MAC)))); },
-       VECTOR_MPLS_EXCEPTION},
       {"MPLS stack cut before its bottom", ROUTED, [] { return labelled().payload(4).truncate(14 + 6).build(); },
        VECTOR_MPLS_EXCEPTION},
       {"multicast MPLS", ROUTED, [] { return to_router().ethertype(0x8848).raw({0, 0x64, 0x11, 64}).build(); },
@@ -101,19 +88,15 @@ const std::vector<row>& rows() {
       {"a VLAN with no interface", ROUTED, [] { return udp(ipv4(to_router().vlan(0x8100, 101))); }, VECTOR_UNPLACED},
       {"a third tag on the 200 / 300 interface", ROUTED,
        [] { return udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300).vlan(0x8100, 1))); }, VECTOR_UNPLACED},
-      {"IPv4 on a bridge port", BRIDGE, [] { return udp(ipv4()); }, VECTOR_VPLS},
       {"a tagged frame on a bridge port", BRIDGE, [] { return udp(ipv4(to_router().vlan(0x8100, 7))); }, VECTOR_VPLS},
       {"an unknown type on a bridge port", BRIDGE, [] { return to_router().ethertype(0x1234).payload(46).build(); },
        VECTOR_VPLS},
       {"a bridge group frame on a bridge port", BRIDGE,
        [] { return to_router(pkt::mac("01:80:c2:00:00:00")).ethertype(0x0026).payload(38).build(); },
        VECTOR_L2_CONTROL},
-      {"VLAN 10 on the cross-connect", XCONNECT, [] { return udp(ipv4(to_router().vlan(0x8100, 10))); }, VECTOR_VPWS},
       {"VLAN 10 with a customer tag", XCONNECT,
        [] { return udp(ipv4(to_router().vlan(0x8100, 10).vlan(0x8100, 5))); }, VECTOR_VPWS},
       {"untagged beside the cross-connect", XCONNECT, [] { return udp(ipv4()); }, VECTOR_UNPLACED},
-      {"ARP on a routed port", ROUTED, [] { return to_router().ethertype(0x0806).payload(28).build(); },
-       VECTOR_L2_CONTROL},
       {"LLDP on a routed port", ROUTED,
        [] { return to_router(pkt::mac("01:80:c2:00:00:0e")).ethertype(0x88cc).payload(40).build(); },
        VECTOR_L2_CONTROL},
@@ -121,11 +104,9 @@ const std::vector<row>& rows() {
        VECTOR_L2_CONTROL},
       {"an unknown type on a routed port", ROUTED, [] { return to_router().ethertype(0x1234).payload(46).build(); },
        VECTOR_UNPLACED, false},
-      {"a runt of 10 bytes", ROUTED, [] { return bytes(10, 0xAA); }, VECTOR_UNPLACED},
       {"a tag cut short", ROUTED, [] { return ipv4(to_router().vlan(0x8100, 100)).udp(1, 2).truncate(16).build(); },
        VECTOR_UNPLACED},
       {"a port without settings", UNSET, [] { return udp(ipv4()); }, VECTOR_UNPLACED},
-      {"an inject port", INJECT, [] { return udp(ipv4()); }, VECTOR_INJECT},
       {"a port that forces the control vector", FORCE_L2, [] { return udp(ipv4()); }, VECTOR_L2_CONTROL},
   };
   return r;
@@ -148,8 +129,7 @@ testkit::line_card* ParserVector::card_ = nullptr;
 
 void ParserVector::set_up(testkit::line_card& c) {
   using testkit::line_card;
-  for (std::uint32_t p : {ROUTED, V6_ONLY, BRIDGE, XCONNECT}) c.add_port(p);
-  c.add_port(INJECT, {}, 80);
+  for (std::uint32_t p : {ROUTED, BRIDGE, XCONNECT}) c.add_port(p);
   c.add_port(FORCE_L2, {.force_l2_ctrl_vector = true});
   ctrl::interfaces& ifs = c.ifs();
   ASSERT_EQ(ifs.add_physical_port(ROUTED, line_card::routed(0x11, true, true, true)).err, ctrl::error::none);
@@ -159,7 +139,6 @@ void ParserVector::set_up(testkit::line_card& c) {
       ifs.add_vlan_subinterface(ROUTED, {{0x88a8, 200}, {0x8100, 300}}, line_card::routed(0x13, true, false, false))
           .err,
       ctrl::error::none);
-  ASSERT_EQ(ifs.add_physical_port(V6_ONLY, line_card::routed(0x21, false, true, false)).err, ctrl::error::none);
   ctrl::l2_interface bridge;
   bridge.if_handle = 0x31;
   ASSERT_EQ(ifs.add_l2_port(BRIDGE, {}, bridge).err, ctrl::error::none);

@@ -41,7 +41,7 @@ std::vector<dissected_case> cases() {
   return {
       {"four tags",
        eth()
-           .vlan(0x88a8, 10, 3)
+           .vlan(0x88a8, 10, 3, true)
            .vlan(0x8100, 20)
            .vlan(0x9200, 30)
            .vlan(0x8100, 40)
@@ -50,11 +50,36 @@ std::vector<dissected_case> cases() {
            .payload(20)
            .build(),
        "eth:ethertype:ieee8021ad:ethertype:vlan:ethertype:vlan:ethertype:vlan:ethertype:ip:udp:data",
-       {{"ieee8021ad.id", "10"}, {"ieee8021ad.priority", "3"}, {"vlan.id", "20,30,40"}}},
+       {{"ieee8021ad.id", "10"}, {"ieee8021ad.priority", "3"}, {"ieee8021ad.dei", "1"}, {"vlan.id", "20,30,40"}}},
       {"mpls stack",
-       eth().mpls(100).mpls(200, 5).ipv4(ip4("10.0.0.1"), ip4("10.0.0.2")).tcp(1, 2).build(),
+       eth().mpls(100).mpls(200, 5, 9).ipv4(ip4("10.0.0.1"), ip4("10.0.0.2")).tcp(1, 2).build(),
        "eth:ethertype:mpls:ip:tcp",
-       {{"mpls.label", "100,200"}, {"mpls.bottom", "0,1"}}},
+       {{"mpls.label", "100,200"}, {"mpls.bottom", "0,1"}, {"mpls.exp", "0,5"}, {"mpls.ttl", "64,9"}}},
+      {"ipv4 header fields",
+       eth_ipv4().tos(0x03).dscp(46).ttl(7).id(0xbeef).dont_fragment().ip_option(1).udp(1, 2).payload(10).build(),
+       "eth:ethertype:ip:udp:data",
+       {{"ip.hdr_len", "24"},
+        {"ip.dsfield.dscp", "46"},
+        {"ip.dsfield.ecn", "3"},
+        {"ip.ttl", "7"},
+        {"ip.id", "0xbeef"},
+        {"ip.flags.df", "1"},
+        {"ip.len", "42"},
+        {"udp.srcport", "1"}}},
+      {"ipv4 later fragment",
+       eth_ipv4().more_fragments().fragment_offset(1480).protocol(253).payload(8).build(),
+       "eth:ethertype:ip:data",
+       {{"ip.flags.mf", "1"}, {"ip.frag_offset", "185"}}},  // 1480 bytes in 8-byte units
+      {"ipv6 header fields and a fragment header",
+       eth_ipv6().tos(0xb8).flow_label(0xabcde).ttl(9).fragment(1480, true, 0xdeadbeef).udp(1, 2).payload(8).build(),
+       "eth:ethertype:ipv6:ipv6.fraghdr:data",
+       {{"ipv6.tclass", "0x000000b8"},
+        {"ipv6.flow", "0x0abcde"},
+        {"ipv6.hlim", "9"},
+        {"ipv6.plen", "24"},
+        {"ipv6.fraghdr.offset", "185"},
+        {"ipv6.fraghdr.more", "1"},
+        {"ipv6.fraghdr.ident", "0xdeadbeef"}}},
       {"ipv4 options and echo",
        eth_ipv4().ip_option(0x94, {0, 0}).ip_option(1).icmp_echo_request(7, 9).payload(56).build(),
        "eth:ethertype:ip:icmp:data",
@@ -66,7 +91,9 @@ std::vector<dissected_case> cases() {
            .tcp(1, 2, tcp_flags::syn, 5)
            .build(),
        "eth:ethertype:ipv6:ipv6.routing:tcp",
-       {{"ipv6.routing.segleft", "1"}, {"ipv6.routing.srh.addr", "2001:db8:f::1,2001:db8:a::1"}}},
+       {{"ipv6.routing.segleft", "1"},
+        {"ipv6.routing.srh.addr", "2001:db8:f::1,2001:db8:a::1"},
+        {"ipv6.dst", "2001:db8:a::1"}}},
       {"type 0 routing",
        eth_ipv6().routing(0, 1, {final_dst}).icmpv6_echo_request(1, 2).build(),
        "eth:ethertype:ipv6:ipv6.routing:icmpv6",

@@ -83,7 +83,6 @@ const std::vector<row>& rows() {
       {"an update of no interface", [](auto& i) { return i.update(99, l3(0x10)); }, error::not_found},
       {"an L3 interface updated as L2", [](auto& i) { return i.update(1, l2(0x10)); }, error::unsupported},
       {"an update to another's handle", [](auto& i) { return i.update(1, l3(0x11)); }, error::exists},
-      {"a removal of no interface", [](auto& i) { return i.remove(99); }, error::not_found},
   };
   return r;
 }

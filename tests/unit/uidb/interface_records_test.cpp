@@ -76,6 +76,14 @@ class InterfaceRecords : public ::testing::Test {
   line_card card;
 };
 
+// The record of lookup ID at index idx, as the program reads it.
+#define RECORD(T, ID)                   \
+  read<T>([&](env_t env) {              \
+    lookup_request_ID_##ID(env, idx);   \
+    lookup_wait_ID_##ID(env);           \
+    return *lookup_result_ID_##ID(env); \
+  })
+
 ctrl::l3_interface full_l3() {
   ctrl::l3_interface c = line_card::routed(0x5001, true, false, true);
   c.vrf = 42;
@@ -106,14 +114,7 @@ TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
   ing::table_id::set(want_ing, 42);
   ing::uidb_ifhandle::set(want_ing, 0x5001);
   ing::stats_p::set(want_ing, added.stats.ingress);
-  const ing got_ing = read<ing>([&](env_t env) {
-    lookup_request_ID_UIDB_L3_ING__COMM(env, idx);
-    lookup_wait_ID_UIDB_L3_ING__COMM(env);
-    return *lookup_result_ID_UIDB_L3_ING__COMM(env);
-  });
-  EXPECT_EQ(bytes_of(got_ing), bytes_of(want_ing));
-  EXPECT_EQ(ing::table_id::get(got_ing), 42u);
-  EXPECT_EQ(ing::ipv4::acl_qos_tcam_profile_id::get(got_ing), ing::ipv4::acl_qos_tcam_profile_id::get(c.ingress));
+  EXPECT_EQ(bytes_of(RECORD(ing, UIDB_L3_ING__COMM)), bytes_of(want_ing));
 
   using egr = uidb_l3_egr_fields_st;
   egr want_egr = c.egress;
@@ -130,49 +131,22 @@ TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
   egr::vlan_tag2_en::set(want_egr, 1);
   egr::tag2::tpid::set(want_egr, 0x8100);
   egr::tag2::tid::vlan::set(want_egr, 300);
-  const egr got_egr = read<egr>([&](env_t env) {
-    lookup_request_ID_UIDB_L3_EGR__COMM(env, idx);
-    lookup_wait_ID_UIDB_L3_EGR__COMM(env);
-    return *lookup_result_ID_UIDB_L3_EGR__COMM(env);
-  });
-  EXPECT_EQ(bytes_of(got_egr), bytes_of(want_egr));
-  EXPECT_EQ(egr::tag2::tid::vlan::get(got_egr), 300u);
-  EXPECT_EQ(egr::tag1::tid::cos::get(got_egr), egr::tag1::tid::cos::get(c.egress));
+  EXPECT_EQ(bytes_of(RECORD(egr, UIDB_L3_EGR__COMM)), bytes_of(want_egr));
 
   uidb_ext_l3_egr_st want_egr_ext = c.egress_ext;
   uidb_ext_l3_egr_st::coherency_always_1::set(want_egr_ext, 1);
   uidb_ext_l3_egr_st::ipmtu::set(want_egr_ext, 9000);
   uidb_ext_l3_egr_st::uidb_ifhandle::set(want_egr_ext, 0x5001);
-  EXPECT_EQ(bytes_of(read<uidb_ext_l3_egr_st>([&](env_t env) {
-              lookup_request_ID_UIDB_EXT_L3_EGR__COMM(env, idx);
-              return *lookup_result_ID_UIDB_EXT_L3_EGR__COMM(env);
-            })),
-            bytes_of(want_egr_ext));
-
+  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_egr_st, UIDB_EXT_L3_EGR__COMM)), bytes_of(want_egr_ext));
   uidb_ext_l3_ing_st want_ext = *c.ingress_ext;
   uidb_ext_l3_ing_st::coherency_always_1::set(want_ext, 1);
-  EXPECT_EQ(bytes_of(read<uidb_ext_l3_ing_part1_st>([&](env_t env) {
-              lookup_request_ID_UIDB_EXT_L3_ING__COMM(env, idx);
-              return *lookup_result_ID_UIDB_EXT_L3_ING__COMM(env);
-            })),
+  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_ing_part1_st, UIDB_EXT_L3_ING__COMM)),
             bytes_of(want_ext, sizeof(uidb_ext_l3_ing_part1_st)));
-  EXPECT_EQ(bytes_of(read<uidb_ext_l3_fast_ing_st>([&](env_t env) {
-              lookup_request_ID_UIDB_EXT_L3_FAST_ING__COMM(env, idx);
-              return *lookup_result_ID_UIDB_EXT_L3_FAST_ING__COMM(env);
-            })),
-            bytes_of(*c.ingress_fast_ext));
-  EXPECT_EQ(bytes_of(read<uidb_ext_l3_fast_egr_st>([&](env_t env) {
-              lookup_request_ID_UIDB_EXT_L3_FAST_EGR__COMM(env, idx);
-              return *lookup_result_ID_UIDB_EXT_L3_FAST_EGR__COMM(env);
-            })),
-            bytes_of(*c.egress_fast_ext));
+  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_fast_ing_st, UIDB_EXT_L3_FAST_ING__COMM)), bytes_of(*c.ingress_fast_ext));
+  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_fast_egr_st, UIDB_EXT_L3_FAST_EGR__COMM)), bytes_of(*c.egress_fast_ext));
   uidb_bng_ext_l3_ing_st want_bng = *c.subscriber_ext;
   uidb_bng_ext_l3_ing_st::coherency_always_1::set(want_bng, 1);
-  EXPECT_EQ(bytes_of(read<uidb_bng_ext_l3_ing_st>([&](env_t env) {
-              lookup_request_ID_UIDB_BNG_EXT_L3_ING(env, idx);
-              return *lookup_result_ID_UIDB_BNG_EXT_L3_ING(env);
-            })),
-            bytes_of(want_bng));
+  EXPECT_EQ(bytes_of(RECORD(uidb_bng_ext_l3_ing_st, UIDB_BNG_EXT_L3_ING)), bytes_of(want_bng));
 
   using m = mark_bits_st::l3;
   const mark_bits_st got_marks = marks(idx);
@@ -194,24 +168,16 @@ TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
 
 TEST_F(InterfaceRecords, AbsentExtensionsStandAsZerosWithTheirRequestBitsClear) {
   const std::uint16_t idx = card.ifs().add_physical_port(PORT, line_card::routed(0x5002, true, true, true)).uidb_index;
-  EXPECT_EQ(bytes_of(read<uidb_ext_l3_fast_ing_st>([&](env_t env) {
-              lookup_request_ID_UIDB_EXT_L3_FAST_ING__COMM(env, idx);
-              return *lookup_result_ID_UIDB_EXT_L3_FAST_ING__COMM(env);
-            })),
-            bytes(8, 0));
+  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_fast_ing_st, UIDB_EXT_L3_FAST_ING__COMM)), bytes(8, 0));
+  using m = mark_bits_st::l3;
   const mark_bits_st got = marks(idx);
-  EXPECT_EQ(mark_bits_st::l3::ext_req::get(got), 0u);
-  EXPECT_EQ(mark_bits_st::l3::fast_ext_req::get(got), 0u);
-  EXPECT_EQ(mark_bits_st::l3::read_bng_uidb_ext::get(got), 0u);
-  EXPECT_EQ(mark_bits_st::l3::global_vrf::get(got), 1u);
-  const auto egr = read<uidb_l3_egr_fields_st>([&](env_t env) {
-    lookup_request_ID_UIDB_L3_EGR__COMM(env, idx);
-    lookup_wait_ID_UIDB_L3_EGR__COMM(env);
-    return *lookup_result_ID_UIDB_L3_EGR__COMM(env);
-  });
-  EXPECT_EQ(uidb_l3_egr_fields_st::fast_ext_req::get(egr), 0u);
-  EXPECT_EQ(uidb_l3_egr_fields_st::vlan_tag1_en::get(egr), 0u);
-  EXPECT_EQ(uidb_l3_egr_fields_st::global_int::get(egr), 1u);
+  EXPECT_EQ((std::vector<std::uint32_t>{m::ext_req::get(got), m::fast_ext_req::get(got), m::read_bng_uidb_ext::get(got),
+                                        m::global_vrf::get(got)}),
+            (std::vector<std::uint32_t>{0, 0, 0, 1}));
+  using egr = uidb_l3_egr_fields_st;
+  const egr e = RECORD(egr, UIDB_L3_EGR__COMM);
+  EXPECT_EQ((std::vector<std::uint32_t>{egr::fast_ext_req::get(e), egr::vlan_tag1_en::get(e), egr::global_int::get(e)}),
+            (std::vector<std::uint32_t>{0, 0, 1}));
 }
 
 TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
@@ -234,15 +200,7 @@ TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
   ing::vpws::vpls::set(want_ing, 1);
   ing::vpls::bd_id::set(want_ing, 0x1234);
   ing::stats_p::set(want_ing, added.stats.ingress);
-  const ing got_ing = read<ing>([&](env_t env) {
-    lookup_request_ID_UIDB_L2_ING(env, idx);
-    lookup_wait_ID_UIDB_L2_ING(env);
-    return *lookup_result_ID_UIDB_L2_ING(env);
-  });
-  EXPECT_EQ(bytes_of(got_ing), bytes_of(want_ing));
-  EXPECT_EQ(ing::vpls::bd_id::get(got_ing), 0x1234u);
-  EXPECT_EQ(ing::xid::pool::index::get(got_ing), ing::xid::pool::index::get(c.ingress));
-
+  EXPECT_EQ(bytes_of(RECORD(ing, UIDB_L2_ING)), bytes_of(want_ing));
   using egr = uidb_l2_egr_st;
   egr want_egr = c.egress;
   egr::coherency_always_1::set(want_egr, 1);
@@ -250,38 +208,22 @@ TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
   egr::ext_req::set(want_egr, 1);
   egr::out_if::port_id::set(want_egr, PORT);
   egr::stats_p::set(want_egr, added.stats.egress);
-  EXPECT_EQ(bytes_of(read<egr>([&](env_t env) {
-              lookup_request_ID_UIDB_L2_EGR(env, idx);
-              lookup_wait_ID_UIDB_L2_EGR(env);
-              return *lookup_result_ID_UIDB_L2_EGR(env);
-            })),
-            bytes_of(want_egr));
-
+  EXPECT_EQ(bytes_of(RECORD(egr, UIDB_L2_EGR)), bytes_of(want_egr));
   uidb_ext_l2_ing_st want_ext = *c.ingress_ext;
   uidb_ext_l2_ing_st::coherency_always_1::set(want_ext, 1);
   uidb_ext_l2_ing_st::uidb_ifhandle::set(want_ext, 0x6001);
   uidb_ext_l2_ing_st::uidb_ifhandle_main::set(want_ext, PORT_HANDLE);
-  EXPECT_EQ(bytes_of(read<uidb_ext_l2_ing_st>([&](env_t env) {
-              lookup_request_ID_UIDB_EXT_L2_ING(env, idx);
-              return *lookup_result_ID_UIDB_EXT_L2_ING(env);
-            })),
-            bytes_of(want_ext));
+  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l2_ing_st, UIDB_EXT_L2_ING)), bytes_of(want_ext));
   uidb_ext_l2_egr_st want_egr_ext = *c.egress_ext;
   uidb_ext_l2_egr_st::coherency_always_1::set(want_egr_ext, 1);
   uidb_ext_l2_egr_st::uidb_ifhandle::set(want_egr_ext, 0x6001);
-  EXPECT_EQ(bytes_of(read<uidb_ext_l2_egr_st>([&](env_t env) {
-              lookup_request_ID_UIDB_EXT_L2_EGR(env, idx);
-              return *lookup_result_ID_UIDB_EXT_L2_EGR(env);
-            })),
-            bytes_of(want_egr_ext));
+  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l2_egr_st, UIDB_EXT_L2_EGR)), bytes_of(want_egr_ext));
 
   using m = mark_bits_st::l2;
-  const mark_bits_st got_marks = marks(idx);
-  EXPECT_EQ(m::l2_uidb::get(got_marks), 1u);
-  EXPECT_EQ(m::vpls::get(got_marks), 1u);
-  EXPECT_EQ(m::line_status_up::get(got_marks), 1u);
-  EXPECT_EQ(m::ext_req::get(got_marks), 1u);
-  EXPECT_EQ(m::uidb_maintenance_mode::get(got_marks), 0u);
+  const mark_bits_st got = marks(idx);
+  EXPECT_EQ((std::vector<std::uint32_t>{m::l2_uidb::get(got), m::vpls::get(got), m::line_status_up::get(got),
+                                        m::ext_req::get(got), m::uidb_maintenance_mode::get(got)}),
+            (std::vector<std::uint32_t>{1, 1, 1, 1, 0}));
   ASSERT_TRUE(handle_entry(0x6001));
   EXPECT_EQ(uidb_ifh_2_uidb_st::uidb_index::get(*handle_entry(0x6001)), idx);
 }
@@ -292,17 +234,15 @@ TEST_F(InterfaceRecords, UpdateRewritesRecordsMarksAndHandle) {
   ctrl::l3_interface next = line_card::routed(0x5004, false, true, false);
   next.vrf = 9;
   ASSERT_EQ(card.ifs().update(idx, next), ctrl::error::none);
-  const auto ing = read<uidb_l3_ing_fields_st>([&](env_t env) {
-    lookup_request_ID_UIDB_L3_ING__COMM(env, idx);
-    lookup_wait_ID_UIDB_L3_ING__COMM(env);
-    return *lookup_result_ID_UIDB_L3_ING__COMM(env);
-  });
-  EXPECT_EQ(uidb_l3_ing_fields_st::table_id::get(ing), 9u);
-  EXPECT_EQ(uidb_l3_ing_fields_st::uidb_ifhandle::get(ing), 0x5004u);
+  using ing = uidb_l3_ing_fields_st;
+  const ing got_ing = RECORD(ing, UIDB_L3_ING__COMM);
+  EXPECT_EQ(ing::table_id::get(got_ing), 9u);
+  EXPECT_EQ(ing::uidb_ifhandle::get(got_ing), 0x5004u);
+  using m = mark_bits_st::l3;
   const mark_bits_st got = marks(idx);
-  EXPECT_EQ(mark_bits_st::l3::ipv4_en::get(got), 0u);
-  EXPECT_EQ(mark_bits_st::l3::ipv6_en::get(got), 1u);
-  EXPECT_EQ(mark_bits_st::l3::uidb_maintenance_mode::get(got), 0u);
+  EXPECT_EQ(
+      (std::vector<std::uint32_t>{m::ipv4_en::get(got), m::ipv6_en::get(got), m::uidb_maintenance_mode::get(got)}),
+      (std::vector<std::uint32_t>{0, 1, 0}));
   EXPECT_FALSE(handle_entry(0x5003));
   ASSERT_TRUE(handle_entry(0x5004));
   EXPECT_EQ(uidb_ifh_2_uidb_st::uidb_index::get(*handle_entry(0x5004)), idx);
@@ -311,6 +251,7 @@ TEST_F(InterfaceRecords, UpdateRewritesRecordsMarksAndHandle) {
 TEST_F(InterfaceRecords, RemoveLeavesNoRecordNoHandleAndNoPlace) {
   const std::uint16_t idx = card.ifs().add_physical_port(PORT, line_card::routed(0x5005, true, true, true)).uidb_index;
   ASSERT_EQ(card.ifs().remove(idx), ctrl::error::none);
+  // No wait: a cleared record has no coherency bit to wait on.
   const auto ing = read<uidb_l3_ing_fields_st>([&](env_t env) {
     lookup_request_ID_UIDB_L3_ING__COMM(env, idx);
     return *lookup_result_ID_UIDB_L3_ING__COMM(env);
@@ -319,7 +260,6 @@ TEST_F(InterfaceRecords, RemoveLeavesNoRecordNoHandleAndNoPlace) {
   EXPECT_EQ(bytes_of(marks(idx)), bytes(4, 0));
   EXPECT_FALSE(handle_entry(0x5005));
   EXPECT_EQ(card.ifs().remove(idx), ctrl::error::not_found);
-  // The index is free again.
   EXPECT_EQ(card.ifs().add_physical_port(PORT, line_card::routed(0x5006, true, true, true)).uidb_index, idx);
 }
 
