@@ -32,14 +32,13 @@ TEST_P(FabricGroups, AcceptedCallsReplaceAndRefusedOnesChangeNothing) {
   EXPECT_EQ(h.chassis().npus_of_group(FGID), replaced ? c.npus : MEMBERS);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Writer, FabricGroups,
-    ::testing::Values(group_case{"new members replace the old", FGID, {1}, ctrl::error::none},
-                      group_case{"another group leaves this one", 5, {1, 2}, ctrl::error::none},
-                      group_case{"FGID beyond 24 bits", FGID + 1, {1}, ctrl::error::out_of_range},
-                      group_case{"NPU the chassis lacks", FGID, {1, 3}, ctrl::error::out_of_range},
-                      group_case{"no NPU", FGID, {}, ctrl::error::bad_size},
-                      group_case{"NPU named twice", FGID, {1, 2, 1}, ctrl::error::exists}),
-    testkit::described<group_case>);
+INSTANTIATE_TEST_SUITE_P(Writer, FabricGroups,
+                         ::testing::Values(group_case{"new members replace the old", FGID, {1}, ctrl::error::none},
+                                           group_case{"another group leaves this one", 5, {1, 2}, ctrl::error::none},
+                                           group_case{"FGID beyond 24 bits", FGID + 1, {1}, ctrl::error::out_of_range},
+                                           group_case{"NPU the chassis lacks", FGID, {1, 3}, ctrl::error::out_of_range},
+                                           group_case{"no NPU", FGID, {}, ctrl::error::bad_size},
+                                           group_case{"NPU named twice", FGID, {1, 2, 1}, ctrl::error::exists}),
+                         testkit::described<group_case>);
 
 }  // namespace
