@@ -23,8 +23,7 @@ class BundleWriter : public lag_test::BundleTest {
   }
   record bundle_record(std::uint32_t id) { return read(TABLE_BASE_LAG_INFO_ING + id * TABLE_STRIDE_LAG_INFO_ING); }
   record member_record(std::uint32_t id, std::uint32_t number) {
-    return read(
-        ctrl::paged_record_address(h.npu(), TPD_IDX_LAG_ING, id * ctrl::BUNDLE_MEMBER_BLOCK + number).value());
+    return read(ctrl::paged_record_address(h.npu(), TPD_IDX_LAG_ING, id * ctrl::BUNDLE_MEMBER_BLOCK + number).value());
   }
   std::uint32_t valid_members(std::uint32_t id) {
     std::uint32_t n = 0;
@@ -39,14 +38,16 @@ TEST_F(BundleWriter, WritesTheRecordsAtTheirPositions) {
   ctrl::bundle b;
   b.name_id = 0x1234;
   b.truncate_hash = true;
-  b.members = {{0x101, 7, true, false, 0x11}, {0x7FF, 0xBEEF, false, true, 0x22}, {0x102, 9, true, false, 0x33},
-               {0x103, 10, true, false, 0x44}, {0x104, 11, true, false, 0x55}};
+  b.members = {{0x101, 7, true, false, 0x11},
+               {0x7FF, 0xBEEF, false, true, 0x22},
+               {0x102, 9, true, false, 0x33},
+               {0x103, 10, true, false, 0x44},
+               {0x104, 11, true, false, 0x55}};
   add(BUNDLE, b);
   // Valid, truncated, members from record 3 * 64 = 0xC0; five of them.
   EXPECT_EQ(bundle_record(BUNDLE), (record{0xC0, 0x00, 0x00, 0xC0, 0x01, 0x40}));
   // Valid, on another NPU, on another rack; selector, name, VQI, port.
-  EXPECT_EQ(member_record(BUNDLE, 1),
-            (record{0xA0, 0x22, 0x12, 0x34, 0x00, 0x07, 0xFF, 0x00, 0xBE, 0xEF}));
+  EXPECT_EQ(member_record(BUNDLE, 1), (record{0xA0, 0x22, 0x12, 0x34, 0x00, 0x07, 0xFF, 0x00, 0xBE, 0xEF}));
   EXPECT_EQ(member_record(BUNDLE, 0)[0], 0xC0);  // valid and local
   EXPECT_EQ(valid_members(BUNDLE), 5u);
 }

