@@ -60,7 +60,7 @@ class BundleAcrossFabric : public ::testing::Test {
     for (std::uint32_t i = 0; i < OWNERS.size(); ++i) {
       EXPECT_EQ(lc.harness().chassis_tables().map_vqi(VQI_BASE + i, OWNERS[i]), ctrl::error::none);
     }
-    testkit::install_ipv4_uni_egress(lc.harness(), [this](env_t env) { egress(env); });
+    testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_UNI, [this](env_t env) { egress(env); });
   }
 
   ctrl::npu_tables& tables(std::uint32_t n) { return lc.harness().tables(n); }

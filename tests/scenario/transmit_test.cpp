@@ -192,7 +192,7 @@ TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
   EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(OUT_QUEUE, 0x1000), ctrl::error::out_of_range);
   // The egress side runs as each frame crosses: first to an unmapped queue.
   std::uint32_t queue = OUT_QUEUE + 1;
-  testkit::install_ipv4_uni_egress(lc.harness(), [&](env_t env) { send_to_queue(env, queue); });
+  testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_UNI, [&](env_t env) { send_to_queue(env, queue); });
   receive(send_to_vqi);
   queue = OUT_QUEUE;
   receive(send_to_vqi);
