@@ -34,6 +34,7 @@ enum state : std::uint32_t {
   SR_TE = 32,  // ing_te_nh_bkup_egr_sr_te_thread
   NO_BUNDLE = 64,
   REMOTE_MEMBERS = 128,  // the members are another NPU's
+  TRUNCATING = 256,      // the bundle hashes the low byte alone
 };
 
 struct outcome {
@@ -102,7 +103,7 @@ class EgressSelection : public EgressChoice, public ::testing::WithParamInterfac
 TEST_P(EgressSelection, ChoosesTheMemberByThreadBitsAndState) {
   const selection_case& c = GetParam();
   set_up_interface(c.state);
-  if (!(c.state & NO_BUNDLE)) add(BUNDLE, bundle_of(9, !(c.state & REMOTE_MEMBERS)));
+  if (!(c.state & NO_BUNDLE)) add(BUNDLE, bundle_of(9, !(c.state & REMOTE_MEMBERS), c.state & TRUNCATING));
   add(BUNDLE + 1, bundle_of(3));  // the next bundle's members stand behind this one's block
   const outcome o = choose(c.thread_bits, c.state, packet(c.header_lagm, 3), 4);
   if (c.member < 0) {
@@ -134,17 +135,12 @@ INSTANTIATE_TEST_SUITE_P(
                       selection_case{"sr_te_takes_the_packet_state", 0x00, SR_TE, 2, 4},
                       selection_case{"sr_te_over_inject", 0x08, SR_TE, 2, 4},
                       selection_case{"sr_te_leaves_the_hash", 0x10, SR_TE, 2, 6},
+                      selection_case{"truncating_hashes_0xCD", 0x10, TRUNCATING, 2, 0xCD % 9},
+                      selection_case{"truncating_keeps_the_member_number", 0x00, TRUNCATING, 8, 8},
                       selection_case{"bundle_not_valid", 0x00, NO_BUNDLE, 1, -1},
                       selection_case{"last_member_number_past_the_list", 0x00, 0, 63, -1},
                       selection_case{"member_on_another_npu", 0x00, REMOTE_MEMBERS, 1, -1, DROP_LAG_MEMBER_NOT_LOCAL}),
     [](const ::testing::TestParamInfo<selection_case>& p) { return p.param.name; });
-
-TEST_F(EgressChoice, ATruncatingBundleHashesTheLowByte) {
-  set_up_interface();
-  add(BUNDLE, bundle_of(9, true, true));
-  EXPECT_EQ(choose(0x10, 0, packet(0)).port, PORT_BASE + 0xCD % 9);
-  EXPECT_EQ(choose(0x00, 0, packet(8)).port, PORT_BASE + 8u);  // a member number is not truncated
-}
 
 // ---- the drops of a failed choice, on paths of each family ----
 

@@ -1,16 +1,172 @@
 // The member choice at ingress: by hash modulo the member count, truncated
-// for a bundle that asks for it, the member's number and VQI in the fabric
-// header, and the drop of a bundle that is not valid.
+// for a bundle that asks for it, written with its VQI into the fabric header;
+// from a receive adjacency, by the packet's raw hash, a hash the adjacency
+// pins, or (MGSCP) the hash of one address of the packet; and the
+// adjacency's bundle marks.
+#include "ctrl/page_descriptors.h"
+#include "ctrl/protected_records.h"
+#include "dplane/infra/hash_bits.h"
+#include "dplane/infra/load_balance.h"
+#include "dplane/infra/lookup.h"
 #include "dplane/lag/lag_ing.h"
+#include "dplane/lag/lag_l3_adj_ing.h"
 #include "lag_test_util.h"
+#include "pktlib/packet_builder.h"
 #include "platform/varn/fab_hdr.h"
 
 namespace {
 
 using lag_test::bundle_of;
 using lag_test::BundleTest;
+using adj_st = rxadj_fields_st;
 
-constexpr std::uint32_t BUNDLE = 9;
+constexpr std::uint32_t ADJ = 21;
+constexpr std::uint16_t BUNDLE = 300;
+constexpr std::uint32_t MEMBERS = 61;
+constexpr std::uint32_t RAW_HASH = 0x0A0000F3;  // bundle bits 0xAF3
+constexpr std::uint32_t IPV4 = 0x0001;
+constexpr std::uint32_t IPV6 = 0x0002;
+constexpr std::uint32_t ADDR_HASH = LAG_THREAD_MGSCP_ADDR_HASH;
+
+const std::vector<std::uint8_t> V4 =
+    pkt::builder().ipv4(pkt::ip4("198.51.100.7"), pkt::ip4("203.0.113.200")).udp(4000, 53).build();
+const std::vector<std::uint8_t> V6 =
+    pkt::builder().ipv6(pkt::ip6("2001:db8::17"), pkt::ip6("2001:db8:5::1")).udp(4000, 53).build();
+
+enum class hash_from { raw, pinned, v4_dst, v4_src, v6_dst, v6_src };
+
+// On the NPU's thread: the address hashes use its hash engine.
+std::uint32_t expected_hash(hash_from from, std::uint8_t pinned) {
+  const auto* v4 = reinterpret_cast<const ipv4_hdr_st*>(V4.data());
+  const auto* v6 = reinterpret_cast<const ipv6_hdr_st*>(V6.data());
+  const std::uint32_t hashes[] = {hash_get_lag_bits(RAW_HASH), pinned,
+                                  hash_lb_ipv4_dst_addr(v4),   hash_lb_ipv4_src_addr(v4),
+                                  hash_lb_ipv6_dst_addr(v6),   hash_lb_ipv6_src_addr(v6)};
+  return hashes[static_cast<int>(from)];
+}
+
+class Adjacency : public BundleTest {
+ protected:
+  void write_adjacency(const adj_st& adj) {
+    ctrl::write_record(h.npu(), ctrl::paged_record_address(h.npu(), TPD_IDX_RX_ADJ_ING, ADJ).value(), adj.bytes);
+  }
+  static adj_st bundle_adjacency() {
+    adj_st adj{};
+    adj_st::rx_lag_adj::set(adj, 1);
+    adj_st::rx::lag_id::set(adj, BUNDLE);
+    return adj;
+  }
+  static void read_adjacency(env_t env) {
+    lookup_request_ID_RX_ADJ_ING__COMM(env, ADJ);
+    lookup_wait_ID_RX_ADJ_ING__COMM(env);
+  }
+};
+
+struct adj_case {
+  const char* name;
+  bool mgscp_en;
+  bool rx_lag_hash_en;
+  std::uint8_t lag_byte;  // lag_hash, or rhb_hash_select with MGSCP
+  std::uint32_t thread_bits;
+  hash_from from;
+  bool counted;  // global counter 0x11B
+};
+
+class AdjacencyHash : public Adjacency, public ::testing::WithParamInterface<adj_case> {};
+
+TEST_P(AdjacencyHash, ChoosesTheMemberByTheAdjacencysHash) {
+  const adj_case& c = GetParam();
+  adj_st adj = bundle_adjacency();
+  adj_st::mgscp_en::set(adj, c.mgscp_en);
+  adj_st::rx_lag_hash_en::set(adj, c.rx_lag_hash_en);
+  adj_st::lag::lag_hash::set(adj, c.lag_byte);
+  write_adjacency(adj);
+  add(BUNDLE, bundle_of(MEMBERS));
+  const std::vector<std::uint8_t>& l3 = (c.thread_bits & IPV6) ? V6 : V4;
+  std::array<std::uint8_t, 32> fab{};
+  func_rc_e rc = RC_FAIL;
+  std::uint32_t member = 0;
+  std::uint32_t raw_member = 0;
+  run([&](env_t env) {
+    member = expected_hash(c.from, c.lag_byte) % MEMBERS;
+    raw_member = expected_hash(hash_from::raw, 0) % MEMBERS;
+    *ps_put_mod_ing_fwd_thread_bits(env) = c.thread_bits;
+    read_adjacency(env);
+    rc = lag_process_l3_adj_ing(env, l3.data(), fab.data(), RAW_HASH);
+  });
+  if (c.from != hash_from::raw) {
+    ASSERT_NE(member, raw_member) << "a case that the raw hash would pass";
+  }
+  ASSERT_EQ(rc, RC_SUCCESS);
+  EXPECT_EQ(fab[14], member);
+  EXPECT_EQ(dc3_nph_fields::dc3_fgid_or_sfp::get(fab), lag_test::VQI_BASE + member);
+  EXPECT_EQ(counter(CNT_LAG_MGSCP_RAW_HASH), c.counted ? 1u : 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Forms, AdjacencyHash,
+    ::testing::Values(
+        adj_case{"raw_hash", false, false, 0x2B, IPV4 | ADDR_HASH, hash_from::raw, false},
+        adj_case{"pinned_by_the_adjacency", false, true, 0x2B, IPV4 | ADDR_HASH, hash_from::pinned, false},
+        adj_case{"mgscp_without_the_thread_bit", true, false, LAG_RHB_DST_ADDR, IPV4, hash_from::raw, true},
+        adj_case{"mgscp_ipv4_destination", true, false, LAG_RHB_DST_ADDR, IPV4 | ADDR_HASH, hash_from::v4_dst, false},
+        adj_case{"mgscp_ipv4_source", true, true, LAG_RHB_SRC_ADDR, IPV4 | ADDR_HASH, hash_from::v4_src, false},
+        adj_case{"mgscp_ipv6_destination", true, false, LAG_RHB_DST_ADDR, IPV6 | ADDR_HASH, hash_from::v6_dst, false},
+        adj_case{"mgscp_ipv6_source", true, false, LAG_RHB_SRC_ADDR, IPV6 | ADDR_HASH, hash_from::v6_src, false},
+        adj_case{"mgscp_other_select", true, false, 3, IPV4 | ADDR_HASH, hash_from::raw, false}),
+    [](const ::testing::TestParamInfo<adj_case>& p) { return p.param.name; });
+
+TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChainAndLeavesTheHeader) {
+  write_adjacency(bundle_adjacency());
+  std::array<std::uint8_t, 32> fab{};
+  func_rc_e rc = RC_FAIL;
+  run([&](env_t env) {
+    read_adjacency(env);
+    rc = lag_process_l3_adj_ing(env, V4.data(), fab.data(), RAW_HASH);
+  });
+  EXPECT_EQ(rc, RC_PKT_DROP);
+  EXPECT_EQ(fab, (std::array<std::uint8_t, 32>{}));
+  EXPECT_EQ(counter(DROP_LAG_ING_INVALID), 1u);
+}
+
+// The adjacency's first three bytes: the marks, then the port byte.
+struct marks_case {
+  const char* name;
+  std::array<std::uint8_t, 3> bytes;
+  boolean_t enabled;
+  boolean_t only;
+};
+
+class AdjacencyMarks : public Adjacency, public ::testing::WithParamInterface<marks_case> {};
+
+TEST_P(AdjacencyMarks, TellABundleAndABundleAlone) {
+  const marks_case& c = GetParam();
+  adj_st adj{};
+  std::copy(c.bytes.begin(), c.bytes.end(), adj.bytes);
+  write_adjacency(adj);
+  boolean_t enabled = 2;
+  boolean_t only = 2;
+  run([&](env_t env) {
+    read_adjacency(env);
+    enabled = lag_l3_adj_ing_enabled(env);
+    only = lag_only_l3_adj_ing_enabled(env);
+  });
+  EXPECT_EQ(enabled, c.enabled);
+  EXPECT_EQ(only, c.only);
+}
+
+// Byte 0 from the top: remote_rack, iptunl_adj, pwhe, cgn_enabled, adj_down,
+// mgscp_en, rx_lag_hash_en, rx_lag_adj; byte 1: rx_adj_null0 ... sfi_vxlan.
+INSTANTIATE_TEST_SUITE_P(Marks, AdjacencyMarks,
+                         ::testing::Values(marks_case{"bundle", {0x01, 0x00, 0x00}, TRUE, TRUE},
+                                           marks_case{"bundle_with_its_hash_marks", {0x07, 0x00, 0x00}, TRUE, TRUE},
+                                           marks_case{"bundle_and_port_byte", {0x01, 0x00, 0xFF}, TRUE, TRUE},
+                                           marks_case{"bundle_and_pwhe", {0x21, 0x00, 0x00}, TRUE, FALSE},
+                                           marks_case{"bundle_and_sfi", {0x01, 0x02, 0x00}, TRUE, FALSE},
+                                           marks_case{"hash_mark_alone", {0x04, 0x00, 0x00}, FALSE, FALSE}),
+                         [](const ::testing::TestParamInfo<marks_case>& p) { return p.param.name; });
+
+// ---- the common choice and the L3 form ----
 
 struct hash_case {
   const char* name;
