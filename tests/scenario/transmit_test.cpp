@@ -1,7 +1,9 @@
-// Sends across a chassis of four NPUs, with the fabric's and the traffic
-// manager's maps written through the control side: a multicast frame from a
-// line port of NPU 0 arrives on every NPU of its group; a frame to a line
-// port leaves as an Ethernet frame that an independent dissector reads.
+// Frames through a chassis of four NPUs, with the interfaces, the fabric's
+// and the traffic manager's maps written through the control side: a frame
+// from a line port of NPU 0 reaches the row, handler or drop counter its
+// decode gives; a multicast frame arrives on every NPU of its group; a frame
+// to a line port leaves as an Ethernet frame that an independent dissector
+// reads.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +17,9 @@
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/pkt_rx.h"
 #include "npu/zephra/xmit_fab.h"
+#include "pktlib/packet_builder.h"
 #include "pktlib/pcap_file.h"
+#include "platform/shared/placeholder.h"
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "platform/varn/line_hdr.h"
@@ -132,6 +136,39 @@ void send_to_queue(env_t env, std::uint32_t queue) {
   send_to_line(env, write_line_and_ethernet(env, queue), LINE_HDR_BYTES + ETH_BYTES, false);
 }
 
+std::string row(std::uint32_t vector) { return "row " + std::to_string(vector) + "; "; }
+std::string drop(std::uint32_t counter) { return "counter " + std::to_string(counter) + "; "; }
+
+// IN_PORT routes IPv4 alone. Each frame ends at one place: a probed row, a
+// handler that the built code calls by name, or a drop counter.
+TEST_F(Transmit, FramesReachTheRowHandlerOrDropCounterOfTheirDecode) {
+  const auto eth = [] { return pkt::builder().eth(testkit::PEER_MAC, ROUTER_MAC); };
+  const auto v4 = [](pkt::builder b) { return b.ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("192.0.2.1")); };
+  const struct {
+    const char* what;
+    bytes frame;
+    std::string end;
+  } cases[] = {
+      {"clean IPv4", udp_frame(8), row(testkit::TEST_VECTOR)},
+      {"IPv4 with a bad checksum", v4(eth()).bad_checksum().udp(1000, 53).payload(8).build(), "ipv4_ing_nonperf"},
+      {"IPv6 where IPv6 is off",
+       eth().ipv6(pkt::ip6("2001:db8::1"), pkt::ip6("2001:db8::2")).udp(1000, 53).payload(8).build(), drop(0x596)},
+      {"MPLS where MPLS is off", v4(eth().mpls(100)).udp(1000, 53).payload(8).build(), drop(0x5A8)},
+      {"a runt has no vector", bytes(12, 0x55), drop(0x295)},
+      {"an unknown type goes to L2 control", eth().ethertype(0x1234).payload(46).build(), "l2_ctrl_ing"},
+  };
+  for (const auto& c : cases) {
+    testkit::probe_vector(lc.harness(), testkit::TEST_VECTOR);
+    const model::packet_outcome o = lc.receive(IN_PORT, c.frame);
+    std::string end;
+    for (const testkit::probe_call& call : testkit::take_probe_calls()) end += row(call.row);
+    if (o.placeholder >= 0) end += unbuilt_handler_name(static_cast<std::uint32_t>(o.placeholder));
+    for (std::uint32_t counter : o.global_counters) end += drop(counter);
+    EXPECT_EQ(end, c.end) << c.what;
+    EXPECT_EQ(o.end, model::packet_end::freed) << c.what;
+  }
+}
+
 TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAndNoOther) {
   const model::packet_outcome unmapped = receive([](env_t env) { send_to_group(env, FGID + 1); });
   EXPECT_NE(unmapped.note.find("fabric group " + std::to_string(FGID + 1) + " maps to no NPU"), std::string::npos)
@@ -154,44 +191,21 @@ TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAndNoOther) {
             static_cast<std::ptrdiff_t>(FGID_NPUS.size()));
 }
 
-// The frame that left for port `port`, as tshark reads it.
-void expect_ethernet_frame_to_next_hop(const model::sent_frame& f, std::uint32_t port) {
-  EXPECT_EQ(f.to, model::frame_destination::line);
-  EXPECT_EQ(f.port, port);
-  bytes frame = udp_frame(8);
-  std::copy(NEXT_HOP_MAC.begin(), NEXT_HOP_MAC.end(), frame.begin());
-  std::copy(ROUTER_MAC.begin(), ROUTER_MAC.end(), frame.begin() + 6);
-  EXPECT_EQ(f.bytes, frame);
-  if (!testkit::tshark_available()) GTEST_SKIP() << "tshark not installed";
-  pkt::scratch_dir dir;
-  pkt::write_pcap(dir.file("line.pcap"), std::vector<pkt::pcap_record>{{std::chrono::seconds(1), f.bytes}});
-  const testkit::field_values expected = {{"eth.dst", "02:00:00:00:00:42"}, {"eth.src", "02:00:00:00:00:01"},
-                                          {"ip.dst", "192.0.2.1"},          {"udp.dstport", "53"},
-                                          {"ip.checksum.status", "1"},      {"udp.checksum.status", "1"}};
-  std::vector<std::string> fields;
-  for (const auto& [field, value] : expected) fields.push_back(field);
-  const auto frames = testkit::dissect(dir.file("line.pcap"), fields, dir.file("stderr"));
-  ASSERT_EQ(frames.size(), 1u) << testkit::read_file(dir.file("stderr"));
-  EXPECT_EQ(frames[0], expected);
-}
-
-TEST_F(Transmit, LineSendFromTheIngressBufferLeavesByTheQsmHeadersPort) {
-  const model::packet_outcome o = receive([](env_t env) {
+// Both line sends leave the same Ethernet frame to the next hop: from the
+// ingress buffer by the QSM header's port, from the egress buffer by the
+// port of its queue, once the queue is mapped. tshark reads the frame.
+TEST_F(Transmit, LineSendsLeaveByTheQsmHeadersPortOrTheirQueuesPort) {
+  const model::packet_outcome from_ingress = receive([](env_t env) {
     std::uint8_t* qsm = write_line_and_ethernet(env, OUT_QUEUE + 1) - 2;
     qsm[0] = 2;
     qsm[1] = QSM_NP_PORT;
     send_to_line(env, qsm, 2 + LINE_HDR_BYTES + ETH_BYTES, true);
   });
-  EXPECT_EQ(o.end, model::packet_end::sent);
-  ASSERT_EQ(o.sent.size(), 1u);
-  expect_ethernet_frame_to_next_hop(o.sent[0], QSM_NP_PORT);
-}
+  EXPECT_EQ(from_ingress.end, model::packet_end::sent);
 
-TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
   EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(0x10000, OUT_PORT), ctrl::error::out_of_range);
   EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(OUT_QUEUE, 0x1000), ctrl::error::out_of_range);
-  // The egress side runs as each frame crosses: first to an unmapped queue.
-  std::uint32_t queue = OUT_QUEUE + 1;
+  std::uint32_t queue = OUT_QUEUE + 1;  // not mapped
   testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_UNI, [&](env_t env) { send_to_queue(env, queue); });
   receive(send_to_vqi);
   queue = OUT_QUEUE;
@@ -201,8 +215,28 @@ TEST_F(Transmit, LineSendFromTheEgressBufferLeavesByThePortOfItsQueue) {
   EXPECT_TRUE(egress[0].sent.empty());
   EXPECT_NE(egress[0].note.find("queue " + std::to_string(OUT_QUEUE + 1) + " maps to no line port"), std::string::npos)
       << egress[0].note;
-  ASSERT_EQ(egress[1].sent.size(), 1u);
-  expect_ethernet_frame_to_next_hop(egress[1].sent[0], OUT_PORT);
+
+  bytes frame = udp_frame(8);
+  std::copy(NEXT_HOP_MAC.begin(), NEXT_HOP_MAC.end(), frame.begin());
+  std::copy(ROUTER_MAC.begin(), ROUTER_MAC.end(), frame.begin() + 6);
+  for (const auto& [o, port] : {std::pair{from_ingress, QSM_NP_PORT}, std::pair{egress[1], OUT_PORT}}) {
+    ASSERT_EQ(o.sent.size(), 1u) << port;
+    EXPECT_EQ(o.sent[0].to, model::frame_destination::line);
+    EXPECT_EQ(o.sent[0].port, port);
+    EXPECT_EQ(o.sent[0].bytes, frame);
+  }
+
+  if (!testkit::tshark_available()) GTEST_SKIP() << "tshark not installed";
+  pkt::scratch_dir dir;
+  pkt::write_pcap(dir.file("line.pcap"), std::vector<pkt::pcap_record>{{std::chrono::seconds(1), frame}});
+  const testkit::field_values expected = {{"eth.dst", "02:00:00:00:00:42"}, {"eth.src", "02:00:00:00:00:01"},
+                                          {"ip.dst", "192.0.2.1"},          {"udp.dstport", "53"},
+                                          {"ip.checksum.status", "1"},      {"udp.checksum.status", "1"}};
+  std::vector<std::string> fields;
+  for (const auto& [field, value] : expected) fields.push_back(field);
+  const auto frames = testkit::dissect(dir.file("line.pcap"), fields, dir.file("stderr"));
+  ASSERT_EQ(frames.size(), 1u) << testkit::read_file(dir.file("stderr"));
+  EXPECT_EQ(frames[0], expected);
 }
 
 }  // namespace
