@@ -1,9 +1,7 @@
-// A probe in the dispatch tables: it takes the place of the entry of one
-// ingress vector or one fabric header type, records that it ran and with
-// which argument, then runs the test's body, which ends the packet. Tests of
-// dispatch assert which row a packet reached through it, so they keep their
-// meaning whatever handler the row holds; other tests play a path's handler
-// with a body of their own.
+// A probe in the dispatch tables: it takes the entry of one ingress vector
+// or fabric header type, records that it ran, then runs the test's body,
+// which ends the packet. Dispatch tests assert which row a packet reached;
+// other tests play a path's handler with a body of their own.
 #pragma once
 
 #include <array>
@@ -24,8 +22,7 @@ namespace testkit {
 
 enum class dispatch_table { ingress, fabric };
 
-// One run of a probe: the table, the vector or header type of its entry, and
-// the global-feature argument (ingress only).
+// One run of a probe; the global-feature argument is ingress only.
 struct probe_call {
   dispatch_table table;
   std::uint32_t row;
@@ -88,9 +85,8 @@ inline void set_body(dispatch_table table, probe_body body) {
 }
 }  // namespace detail
 
-// Puts the probe at `vector` of the ingress table (shared by the threads of
-// every NPU, which fill it when they start), with `body` or the default body.
-// The probes of one table share their body.
+// Puts the probe at `vector` of the ingress table, with `body` or the
+// default. The table serves every NPU; the probes of one table share a body.
 inline void probe_vector(npu_harness& h, std::uint32_t vector, probe_body body = {}) {
   detail::set_body(dispatch_table::ingress, std::move(body));
   h.on_thread([vector](env_t) {
@@ -107,13 +103,12 @@ inline void probe_nph_type(npu_harness& h, std::uint32_t type, probe_body body =
   });
 }
 
-// The probe's runs since it was put in place or last asked, in order.
+// The probe's runs since it was put in place or last asked.
 inline std::vector<probe_call> take_probe_calls() {
   std::lock_guard guard(detail::probe().lock);
   return std::exchange(detail::probe().calls, {});
 }
 
-// A run of the probe at ingress vector `vector`, or at fabric header type `type`.
 inline probe_call ran_at_vector(std::uint32_t vector, boolean_t global_feature_enabled = FALSE) {
   return {dispatch_table::ingress, vector, global_feature_enabled};
 }
