@@ -142,46 +142,35 @@ INSTANTIATE_TEST_SUITE_P(
                       selection_case{"member_on_another_npu", 0x00, REMOTE_MEMBERS, 1, -1, DROP_LAG_MEMBER_NOT_LOCAL}),
     [](const ::testing::TestParamInfo<selection_case>& p) { return p.param.name; });
 
-// ---- the drops of a failed choice, on paths of each family ----
-
-using lag_drop = func_rc_e (*)(env_t env, std::uint32_t drop_counter_index);
-
-struct drop_case {
-  const char* name;
-  lag_drop drop;
-  std::int32_t flow_export;  // the flow-export step reached, or -1
-};
-
-class EgressDrop : public EgressChoice, public ::testing::WithParamInterface<drop_case> {};
-
-TEST_P(EgressDrop, CountsTheReasonAfterTheFlowExportOfItsPath) {
-  const drop_case& c = GetParam();
+// The drops of a failed choice, on paths of each family: the reason is
+// counted after the flow-export step of the path, if it has one.
+TEST_F(EgressChoice, EachFamilysDropCountsTheReasonAfterItsFlowExport) {
   set_up_interface();
   add(BUNDLE, bundle_of(2, false));
-  func_rc_e rc = RC_FAIL;
-  const model::packet_outcome o = run(
-      [&](env_t env) {
-        lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
-        std::uint32_t drop = 0;
-        ASSERT_EQ(l3_egr_lag_process(env, 0, &drop), LAG_EGR_NO_MEMBER);
-        rc = c.drop(env, drop);
-      },
-      packet(1));
-  EXPECT_EQ(rc, RC_PKT_DROP);
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
-  EXPECT_EQ(counter(DROP_LAG_MEMBER_NOT_LOCAL), 1u);
-  EXPECT_EQ(o.placeholder, c.flow_export);
+  const std::pair<func_rc_e (*)(env_t, std::uint32_t), std::int32_t> cases[] = {
+      {l3_egr_lag_drop_ipv4, UNBUILT_ipv4_egr_netflow_part_1},
+      {l3_egr_lag_drop_ipm4, UNBUILT_ipm4_egr_netflow_part_1},
+      {l3_egr_lag_drop_mpls, UNBUILT_mpls_egr_netflow_part_1},
+      {l3_egr_lag_drop_l2flood, -1},
+      {l3_egr_lag_drop_gre_v6_encap, UNBUILT_ipv6_egr_netflow_part_1},
+      {l3_egr_lag_drop_srv6_encap_v4, UNBUILT_ipv6_egr_netflow_part_1},
+      {l3_egr_lag_drop_srv6_end_v4, UNBUILT_ipv4_egr_netflow_part_1}};
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    SCOPED_TRACE(i);
+    func_rc_e rc = RC_FAIL;
+    const model::packet_outcome o = run(
+        [&](env_t env) {
+          lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
+          std::uint32_t drop = 0;
+          ASSERT_EQ(l3_egr_lag_process(env, 0, &drop), LAG_EGR_NO_MEMBER);
+          rc = cases[i].first(env, drop);
+        },
+        packet(1));
+    EXPECT_EQ(rc, RC_PKT_DROP);
+    EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
+    EXPECT_EQ(o.placeholder, cases[i].second);
+  }
+  EXPECT_EQ(counter(DROP_LAG_MEMBER_NOT_LOCAL), std::size(cases));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, EgressDrop,
-    ::testing::Values(drop_case{"ipv4", l3_egr_lag_drop_ipv4, UNBUILT_ipv4_egr_netflow_part_1},
-                      drop_case{"ipm4", l3_egr_lag_drop_ipm4, UNBUILT_ipm4_egr_netflow_part_1},
-                      drop_case{"mpls", l3_egr_lag_drop_mpls, UNBUILT_mpls_egr_netflow_part_1},
-                      drop_case{"l2flood", l3_egr_lag_drop_l2flood, -1},
-                      drop_case{"gre_v6_encap", l3_egr_lag_drop_gre_v6_encap, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"srv6_encap_v4", l3_egr_lag_drop_srv6_encap_v4, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"srv6_end_v4", l3_egr_lag_drop_srv6_end_v4, UNBUILT_ipv4_egr_netflow_part_1}),
-    [](const ::testing::TestParamInfo<drop_case>& p) { return p.param.name; });
 
 }  // namespace
