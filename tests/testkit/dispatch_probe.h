@@ -37,27 +37,23 @@ inline void PrintTo(const probe_call& c, std::ostream* os) {
 
 using probe_body = std::function<void(env_t)>;
 
-// Ends the packet with no counter: the default body.
-inline void probe_end_packet(env_t env) { drop_packet_no_counter(env); }
-
 namespace detail {
 struct probe_state {
   std::mutex lock;
   std::vector<probe_call> calls;
-  probe_body ingress_body = probe_end_packet;
-  probe_body fabric_body = probe_end_packet;
+  probe_body bodies[2] = {drop_packet_no_counter, drop_packet_no_counter};  // by dispatch_table
 };
 inline probe_state& probe() {
   static probe_state state;
   return state;
 }
 inline void probe_ran(env_t env, probe_call call) {
-  {
-    std::lock_guard guard(probe().lock);
-    probe().calls.push_back(call);
-  }
   probe_state& p = probe();
-  (call.table == dispatch_table::ingress ? p.ingress_body : p.fabric_body)(env);
+  {
+    std::lock_guard guard(p.lock);
+    p.calls.push_back(call);
+  }
+  p.bodies[static_cast<int>(call.table)](env);
 }
 template <std::uint32_t vector>
 void ing_probe(env_t env, boolean_t global_feature_enabled) {
@@ -80,13 +76,13 @@ inline constexpr auto nph_probes = nph_probe_entries(std::make_index_sequence<64
 inline void set_body(dispatch_table table, probe_body body) {
   std::lock_guard guard(probe().lock);
   probe().calls.clear();
-  probe_body& b = table == dispatch_table::ingress ? probe().ingress_body : probe().fabric_body;
-  b = body ? std::move(body) : probe_body(probe_end_packet);
+  probe().bodies[static_cast<int>(table)] = body ? std::move(body) : probe_body(drop_packet_no_counter);
 }
 }  // namespace detail
 
-// Puts the probe at `vector` of the ingress table, with `body` or the
-// default. The table serves every NPU; the probes of one table share a body.
+// Puts the probe at `vector` of the ingress table, with `body` or one that
+// ends the packet uncounted. The table serves every NPU; the probes of one
+// table share a body.
 inline void probe_vector(npu_harness& h, std::uint32_t vector, probe_body body = {}) {
   detail::set_body(dispatch_table::ingress, std::move(body));
   h.on_thread([vector](env_t) {
