@@ -169,10 +169,20 @@ TEST_F(Transmit, FramesReachTheRowHandlerOrDropCounterOfTheirDecode) {
   }
 }
 
-TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAndNoOther) {
+TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAsLastMappedAndNoOther) {
   const model::packet_outcome unmapped = receive([](env_t env) { send_to_group(env, FGID + 1); });
   EXPECT_NE(unmapped.note.find("fabric group " + std::to_string(FGID + 1) + " maps to no NPU"), std::string::npos)
       << unmapped.note;
+
+  // The map's writer replaces a group's NPUs, and its refusals change nothing.
+  ctrl::chassis_tables& chassis = lc.harness().chassis_tables();
+  ASSERT_EQ(chassis.map_fabric_group(FGID, {0}), ctrl::error::none);
+  ASSERT_EQ(chassis.map_fabric_group(FGID, FGID_NPUS), ctrl::error::none);
+  EXPECT_EQ(chassis.map_fabric_group(0xFFFFFF, {1}), ctrl::error::none);  // the highest group
+  EXPECT_EQ(chassis.map_fabric_group(0x1000000, {1}), ctrl::error::out_of_range);
+  EXPECT_EQ(chassis.map_fabric_group(FGID, {1, NPUS}), ctrl::error::out_of_range);
+  EXPECT_EQ(chassis.map_fabric_group(FGID, {}), ctrl::error::bad_size);
+  EXPECT_EQ(chassis.map_fabric_group(FGID, {1, 2, 1}), ctrl::error::exists);
 
   testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_MC);
   const model::packet_outcome o = receive([](env_t env) { send_to_group(env, FGID); });

@@ -173,17 +173,21 @@ TEST_F(FabricTransmit, NullHeaderPiecesAndMulticastChecksum) {
   EXPECT_NE(sums[TRUE], 0u);
 }
 
-TEST_F(FabricTransmit, KeepSendLeavesACopyAndKeepsThePacket) {
+// A kept packet sends a copy and stays the handler's, which sends again.
+// Only a traced send counts; the egress side counts its traced packets where
+// they arrive.
+TEST_F(FabricTransmit, AKeptPacketSendsCopiesAndATracedSendCountsOnce) {
   const auto o = send_through(100, [](env_t env) {
     common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
+    common_flags_st::pkt_trace_on::set(*ps_put_mod_common_flags(env), 1);
     *ps_put_mod_next_flowlock_id(env) = 0x77;
     prep_unicast(env);
     npu_pkt_tx_request_ing(env);
     const be_u32* req = dma_cell_words(env, FLB_GATHER_REQ_LOC);
     EXPECT_EQ(req[1].get(), 0x77u);
     EXPECT_NE(req[2].get() & GATHER_KEEP, 0u);
-    // Still ours: a second copy, then the end.
     common_flags_st::keep_gpm::set(*ps_put_mod_common_flags(env), 0);
+    common_flags_st::pkt_trace_on::set(*ps_put_mod_common_flags(env), 0);
     prep_unicast(env);
     npu_pkt_tx_request_ing(env);
   });
@@ -191,6 +195,8 @@ TEST_F(FabricTransmit, KeepSendLeavesACopyAndKeepsThePacket) {
   ASSERT_EQ(o.sent.size(), 2u);
   EXPECT_EQ(o.sent[0].bytes, o.sent[1].bytes);
   EXPECT_EQ(h.run(1).size(), 2u);
+  EXPECT_EQ(std::count(o.global_counters.begin(), o.global_counters.end(), GLB_CNT_TRACED_TO_FABRIC), 1);
+  EXPECT_EQ(h.tables(0).stats().global(GLB_CNT_TRACED_TO_FABRIC), 1u);
 }
 
 TEST_F(FabricTransmit, UnmappedVqiLeavesTheFrameOnTheSenderWithANote) {
@@ -204,21 +210,6 @@ TEST_F(FabricTransmit, UnmappedVqiLeavesTheFrameOnTheSenderWithANote) {
   EXPECT_EQ(o.sent[0].port, 0x200u);
   EXPECT_NE(o.note.find("VQI 512 maps to no NPU"), std::string::npos) << o.note;
   EXPECT_TRUE(h.run(1).empty());
-}
-
-// Only a traced packet on the ingress side counts; the egress side's traced
-// packets are counted where they arrive.
-TEST_F(FabricTransmit, TracedIngressSendCountsOnce) {
-  for (const bool traced : {false, true}) {
-    const auto o = send_through(100, [&](env_t env) {
-      common_flags_st::pkt_trace_on::set(*ps_put_mod_common_flags(env), traced ? 1 : 0);
-      prep_unicast(env);
-      npu_pkt_tx_request_ing(env);
-    });
-    const auto counted = std::count(o.global_counters.begin(), o.global_counters.end(), GLB_CNT_TRACED_TO_FABRIC);
-    EXPECT_EQ(counted, traced ? 1 : 0) << (traced ? "traced" : "not traced");
-  }
-  EXPECT_EQ(h.tables(0).stats().global(GLB_CNT_TRACED_TO_FABRIC), 1u);
 }
 
 }  // namespace
