@@ -1,9 +1,7 @@
-// Frames through a chassis of four NPUs, with the interfaces, the fabric's
-// and the traffic manager's maps written through the control side: a frame
-// from a line port of NPU 0 reaches the row, handler or drop counter its
-// decode gives; a multicast frame arrives on every NPU of its group; a frame
-// to a line port leaves as an Ethernet frame that an independent dissector
-// reads.
+// Sends across a chassis of four NPUs, with the fabric's and the traffic
+// manager's maps written through the control side: a multicast frame from a
+// line port of NPU 0 arrives on every NPU of its group; a frame to a line
+// port leaves as an Ethernet frame that an independent dissector reads.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,9 +15,7 @@
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/pkt_rx.h"
 #include "npu/zephra/xmit_fab.h"
-#include "pktlib/packet_builder.h"
 #include "pktlib/pcap_file.h"
-#include "platform/shared/placeholder.h"
 #include "platform/varn/fab_hdr.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "platform/varn/line_hdr.h"
@@ -134,39 +130,6 @@ void send_to_queue(env_t env, std::uint32_t queue) {
   *ps_put_mod_pkt_start(env) += FAB_HDR_BYTES_UNI - ETH_BYTES;
   *ps_put_mod_curr_pkt_len(env) -= FAB_HDR_BYTES_UNI - ETH_BYTES;
   send_to_line(env, write_line_and_ethernet(env, queue), LINE_HDR_BYTES + ETH_BYTES, false);
-}
-
-std::string row(std::uint32_t vector) { return "row " + std::to_string(vector) + "; "; }
-std::string drop(std::uint32_t counter) { return "counter " + std::to_string(counter) + "; "; }
-
-// IN_PORT routes IPv4 alone. Each frame ends at one place: a probed row, a
-// handler that the built code calls by name, or a drop counter.
-TEST_F(Transmit, FramesReachTheRowHandlerOrDropCounterOfTheirDecode) {
-  const auto eth = [] { return pkt::builder().eth(testkit::PEER_MAC, ROUTER_MAC); };
-  const auto v4 = [](pkt::builder b) { return b.ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("192.0.2.1")); };
-  const struct {
-    const char* what;
-    bytes frame;
-    std::string end;
-  } cases[] = {
-      {"clean IPv4", udp_frame(8), row(testkit::TEST_VECTOR)},
-      {"IPv4 with a bad checksum", v4(eth()).bad_checksum().udp(1000, 53).payload(8).build(), "ipv4_ing_nonperf"},
-      {"IPv6 where IPv6 is off",
-       eth().ipv6(pkt::ip6("2001:db8::1"), pkt::ip6("2001:db8::2")).udp(1000, 53).payload(8).build(), drop(0x596)},
-      {"MPLS where MPLS is off", v4(eth().mpls(100)).udp(1000, 53).payload(8).build(), drop(0x5A8)},
-      {"a runt has no vector", bytes(12, 0x55), drop(0x295)},
-      {"an unknown type goes to L2 control", eth().ethertype(0x1234).payload(46).build(), "l2_ctrl_ing"},
-  };
-  for (const auto& c : cases) {
-    testkit::probe_vector(lc.harness(), testkit::TEST_VECTOR);
-    const model::packet_outcome o = lc.receive(IN_PORT, c.frame);
-    std::string end;
-    for (const testkit::probe_call& call : testkit::take_probe_calls()) end += row(call.row);
-    if (o.placeholder >= 0) end += unbuilt_handler_name(static_cast<std::uint32_t>(o.placeholder));
-    for (std::uint32_t counter : o.global_counters) end += drop(counter);
-    EXPECT_EQ(end, c.end) << c.what;
-    EXPECT_EQ(o.end, model::packet_end::freed) << c.what;
-  }
 }
 
 TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAsLastMappedAndNoOther) {
