@@ -28,13 +28,7 @@
 namespace {
 
 using bytes = std::vector<std::uint8_t>;
-using testkit::ETH_BYTES;
-using testkit::FAB_HDR_BYTES_UNI;
-using testkit::l3_len;
-using testkit::l3_start;
-using testkit::line_card;
-using testkit::ROUTER_MAC;
-using testkit::udp_frame;
+using namespace testkit;
 
 constexpr std::uint32_t NPUS = 4;
 constexpr std::uint32_t IN_PORT = 1;
@@ -69,7 +63,7 @@ class Transmit : public ::testing::Test {
   // A UDP frame from IN_PORT, through the parser to the IPv4 fast path,
   // whose place `ingress` takes.
   model::packet_outcome receive(std::function<void(env_t)> ingress) {
-    testkit::probe_vector(lc.harness(), testkit::TEST_VECTOR, std::move(ingress));
+    probe_vector(lc.harness(), TEST_VECTOR, std::move(ingress));
     return lc.receive(IN_PORT, udp_frame(8));
   }
 
@@ -78,9 +72,9 @@ class Transmit : public ::testing::Test {
 
 // The ingress side's unicast send of the L3 packet to VQI.
 void send_to_vqi(env_t env) {
-  std::uint8_t* fab = testkit::write_ipv4_uni_header(env, IF_HANDLE);
+  std::uint8_t* fab = write_ipv4_uni_header(env, IF_HANDLE);
   plat_fab_hdr_write_vqi_voq(fab, VQI);
-  testkit::prep_uni_send(env, fab, l3_len(env));
+  prep_uni_send(env, fab, l3_len(env));
   npu_pkt_tx_request_ing(env);
 }
 
@@ -147,7 +141,7 @@ TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAsLastMappedAndNoOther) 
   EXPECT_EQ(chassis.map_fabric_group(FGID, {}), ctrl::error::bad_size);
   EXPECT_EQ(chassis.map_fabric_group(FGID, {1, 2, 1}), ctrl::error::exists);
 
-  testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_MC);
+  probe_nph_type(lc.harness(), NPH_TYPE_IPV4_MC);
   const model::packet_outcome o = receive([](env_t env) { send_to_group(env, FGID); });
   ASSERT_EQ(o.sent.size(), 1u);
   EXPECT_EQ(o.sent[0].port, FGID);
@@ -159,8 +153,8 @@ TEST_F(Transmit, MulticastFrameReachesEveryNpuOfItsGroupAsLastMappedAndNoOther) 
     for (const model::packet_outcome& a : arrived) EXPECT_EQ(dist_hdr_fabric_st::mcast::get_raw(a.dist_hdr.data()), 1u);
   }
   // Each member's copy ran the egress row of IPv4 multicast.
-  const testkit::probe_calls calls = testkit::take_probe_calls();
-  EXPECT_EQ(std::count(calls.begin(), calls.end(), testkit::ran_at_nph_type(NPH_TYPE_IPV4_MC)),
+  const probe_calls calls = take_probe_calls();
+  EXPECT_EQ(std::count(calls.begin(), calls.end(), ran_at_nph_type(NPH_TYPE_IPV4_MC)),
             static_cast<std::ptrdiff_t>(FGID_NPUS.size()));
 }
 
@@ -179,7 +173,7 @@ TEST_F(Transmit, LineSendsLeaveByTheQsmHeadersPortOrTheirQueuesPort) {
   EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(0x10000, OUT_PORT), ctrl::error::out_of_range);
   EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(OUT_QUEUE, 0x1000), ctrl::error::out_of_range);
   std::uint32_t queue = OUT_QUEUE + 1;  // not mapped
-  testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_UNI, [&](env_t env) { send_to_queue(env, queue); });
+  probe_nph_type(lc.harness(), NPH_TYPE_IPV4_UNI, [&](env_t env) { send_to_queue(env, queue); });
   receive(send_to_vqi);
   queue = OUT_QUEUE;
   receive(send_to_vqi);
@@ -199,16 +193,16 @@ TEST_F(Transmit, LineSendsLeaveByTheQsmHeadersPortOrTheirQueuesPort) {
     EXPECT_EQ(o.sent[0].bytes, frame);
   }
 
-  if (!testkit::tshark_available()) GTEST_SKIP() << "tshark not installed";
+  if (!tshark_available()) GTEST_SKIP() << "tshark not installed";
   pkt::scratch_dir dir;
   pkt::write_pcap(dir.file("line.pcap"), std::vector<pkt::pcap_record>{{std::chrono::seconds(1), frame}});
-  const testkit::field_values expected = {{"eth.dst", "02:00:00:00:00:42"}, {"eth.src", "02:00:00:00:00:01"},
-                                          {"ip.dst", "192.0.2.1"},          {"udp.dstport", "53"},
-                                          {"ip.checksum.status", "1"},      {"udp.checksum.status", "1"}};
+  const field_values expected = {{"eth.dst", "02:00:00:00:00:42"}, {"eth.src", "02:00:00:00:00:01"},
+                                 {"ip.dst", "192.0.2.1"},          {"udp.dstport", "53"},
+                                 {"ip.checksum.status", "1"},      {"udp.checksum.status", "1"}};
   std::vector<std::string> fields;
   for (const auto& [field, value] : expected) fields.push_back(field);
-  const auto frames = testkit::dissect(dir.file("line.pcap"), fields, dir.file("stderr"));
-  ASSERT_EQ(frames.size(), 1u) << testkit::read_file(dir.file("stderr"));
+  const auto frames = dissect(dir.file("line.pcap"), fields, dir.file("stderr"));
+  ASSERT_EQ(frames.size(), 1u) << read_file(dir.file("stderr"));
   EXPECT_EQ(frames[0], expected);
 }
 

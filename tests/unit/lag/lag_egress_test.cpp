@@ -11,9 +11,7 @@
 
 namespace {
 
-using lag_test::bundle_of;
-using lag_test::BundleTest;
-using lag_test::PORT_BASE;
+using namespace lag_test;
 using cf = common_flags_st;
 
 // The first interface the control side adds gets UIDB index 1.

@@ -16,8 +16,7 @@
 
 namespace {
 
-using lag_test::bundle_of;
-using lag_test::BundleTest;
+using namespace lag_test;
 using adj_st = rxadj_fields_st;
 
 constexpr std::uint32_t ADJ = 21;
@@ -99,7 +98,7 @@ TEST_P(AdjacencyHash, ChoosesTheMemberByTheAdjacencysHash) {
   }
   ASSERT_EQ(rc, RC_SUCCESS);
   EXPECT_EQ(fab[14], member);
-  EXPECT_EQ(dc3_nph_fields::dc3_fgid_or_sfp::get(fab), lag_test::VQI_BASE + member);
+  EXPECT_EQ(dc3_nph_fields::dc3_fgid_or_sfp::get(fab), VQI_BASE + member);
   EXPECT_EQ(counter(CNT_LAG_MGSCP_RAW_HASH), c.counted ? 1u : 0u);
 }
 
@@ -176,7 +175,7 @@ TEST_P(IngressHash, ChoosesTheRemainderAndItsVqi) {
   }
   EXPECT_EQ(rc, RC_SUCCESS);
   EXPECT_EQ(lagm, c.member);
-  EXPECT_EQ(vqi, lag_test::VQI_BASE + c.member);
+  EXPECT_EQ(vqi, VQI_BASE + c.member);
 }
 
 // 0xBCD is 3021: 3021 mod 7 = 4, while its low byte 0xCD, 205, mod 7 = 2.
