@@ -55,7 +55,6 @@ class Transmit : public ::testing::Test {
     EXPECT_EQ(lc.ifs().add_physical_port(IN_PORT, line_card::routed(IF_HANDLE, true, false, false)).err,
               ctrl::error::none);
     EXPECT_EQ(lc.harness().chassis_tables().map_vqi(VQI, VQI_NPU), ctrl::error::none);
-    EXPECT_EQ(lc.harness().chassis_tables().map_fabric_group(FGID, FGID_NPUS), ctrl::error::none);
     EXPECT_EQ(lc.harness().chassis_tables().map_fabric_group(FGID_LOW, FGID_LOW_NPUS), ctrl::error::none);
     EXPECT_EQ(lc.harness().tables(VQI_NPU).queues().map(OUT_QUEUE, OUT_PORT), ctrl::error::none);
   }

@@ -86,24 +86,14 @@ void send_in_form(env_t env, form f, std::vector<std::uint32_t>& words) {
   write_unicast_header(fab);
   std::uint8_t* tunnel = payload - TUNNEL_BYTES;
   std::memset(tunnel, TUNNEL_BYTE, TUNNEL_BYTES);
-  switch (f) {
-    case form::v1:
-      npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES, payload, len, FLB_GATHER_REQ_LOC, FALSE);
-      break;
-    case form::v2:
-      npu_xmit_pkt_fab_prep_v2(env, fab, FAB_HDR_BYTES, tunnel, TUNNEL_BYTES, payload, len, FLB_GATHER_REQ_LOC, FALSE);
-      break;
-    case form::v3:
-      npu_xmit_pkt_fab_prep_v3(env, fab, FAB_HDR_BYTES, payload, len, FLB_GATHER_REQ_LOC, FALSE);
-      break;
+  if (f == form::v1) npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES, payload, len, FLB_GATHER_REQ_LOC, FALSE);
+  if (f == form::v2) {
+    npu_xmit_pkt_fab_prep_v2(env, fab, FAB_HDR_BYTES, tunnel, TUNNEL_BYTES, payload, len, FLB_GATHER_REQ_LOC, FALSE);
   }
+  if (f == form::v3) npu_xmit_pkt_fab_prep_v3(env, fab, FAB_HDR_BYTES, payload, len, FLB_GATHER_REQ_LOC, FALSE);
   const be_u32* req = dma_cell_words(env, FLB_GATHER_REQ_LOC);
   words.assign(req, req + 6);
-  if (f == form::v2) {
-    npu_xmit_pkt_v2_fab(env, FLB_GATHER_REQ_LOC, FLB_GATHER_RESP_LOC);
-  } else {
-    npu_pkt_tx_request_ing(env);
-  }
+  f == form::v2 ? npu_xmit_pkt_v2_fab(env, FLB_GATHER_REQ_LOC, FLB_GATHER_RESP_LOC) : npu_pkt_tx_request_ing(env);
 }
 
 TEST_F(FabricTransmit, EachFormSendsItsFrameToTheNpuOfItsVqi) {
