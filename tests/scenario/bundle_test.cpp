@@ -1,14 +1,12 @@
-// A bundle across a chassis of three NPUs, written through the control side
-// on every NPU, whose members lie on NPUs 1 and 2. A UDP frame from a line
-// port of NPU 0 takes the member its flow hash chooses at ingress, crosses
-// the fabric to the NPU of that member's VQI only, and there the member
-// number of its header gives the member's port.
+// A bundle across three NPUs, written through the control side on each, with
+// members on NPUs 1 and 2: a UDP frame from a line port of NPU 0 takes the
+// member its flow hash chooses, crosses to that member's NPU only, and takes
+// the member's port there.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <vector>
 
-#include "ctrl/bundles.h"
 #include "ctrl/counters.h"
 #include "dplane/infra/drop.h"
 #include "dplane/lag/lag_egr.h"

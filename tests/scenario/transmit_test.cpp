@@ -27,7 +27,6 @@
 
 namespace {
 
-using bytes = std::vector<std::uint8_t>;
 using namespace testkit;
 
 constexpr std::uint32_t NPUS = 4;
@@ -182,7 +181,7 @@ TEST_F(Transmit, LineSendsLeaveByTheQsmHeadersPortOrTheirQueuesPort) {
   EXPECT_NE(egress[0].note.find("queue " + std::to_string(OUT_QUEUE + 1) + " maps to no line port"), std::string::npos)
       << egress[0].note;
 
-  bytes frame = udp_frame(8);
+  std::vector<std::uint8_t> frame = udp_frame(8);
   std::copy(NEXT_HOP_MAC.begin(), NEXT_HOP_MAC.end(), frame.begin());
   std::copy(ROUTER_MAC.begin(), ROUTER_MAC.end(), frame.begin() + 6);
   for (const auto& [o, port] : {std::pair{from_ingress, QSM_NP_PORT}, std::pair{egress[1], OUT_PORT}}) {

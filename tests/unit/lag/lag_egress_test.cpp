@@ -1,7 +1,6 @@
-// The member choice at egress: a member number from the fabric header, the
-// inject header or the packet state, or a fresh hash, chosen by the caller's
-// thread bits and the packet's flags; and what fails: a bundle or member
-// that is not valid, a member on another NPU.
+// The member choice at egress: the fabric header's, the inject header's or
+// the packet state's member number, or a fresh hash, by the caller's thread
+// bits and the packet's flags; and the drops when no member fits.
 #include "dplane/infra/lookup.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_egr_drop.h"
