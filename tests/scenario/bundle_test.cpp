@@ -1,15 +1,12 @@
-// A bundle across a chassis of three NPUs, written through the control side
-// on every NPU, whose members lie on NPUs 1 and 2. A UDP frame from a line
-// port of NPU 0 takes the member that its flow hash chooses at ingress, crosses
-// the fabric to the NPU of that member's VQI only, and there the member number
-// of its header gives the member's port. A member that changed owner while
-// the frame crossed, and a bundle gone at ingress, end in their drop counters.
+// A bundle across three NPUs, written through the control side on each, with
+// members on NPUs 1 and 2: a UDP frame from a line port of NPU 0 takes the
+// member its flow hash chooses, crosses to that member's NPU only, and takes
+// the member's port there.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <vector>
 
-#include "ctrl/bundles.h"
 #include "ctrl/counters.h"
 #include "dplane/infra/drop.h"
 #include "dplane/lag/lag_egr.h"
@@ -18,14 +15,12 @@
 #include "npu/zephra/xmit_fab.h"
 #include "platform/varn/fab_hdr_access.h"
 #include "testkit/bundles.h"
+#include "testkit/dispatch_probe.h"
 #include "testkit/fabric_path.h"
 #include "testkit/line_card.h"
-#include "testkit/dispatch_probe.h"
 
 namespace {
 
-using testkit::line_card;
-using testkit::PORT_BASE;
 using testkit::VQI_BASE;
 
 constexpr std::uint32_t NPUS = 3;
@@ -33,63 +28,47 @@ constexpr std::uint32_t IN_PORT = 1;
 constexpr std::uint32_t IF_HANDLE = 0x101;
 constexpr std::uint32_t BUNDLE = 21;
 constexpr std::uint32_t NOT_SEEN = ~0u;
-// The NPU that owns each member's port: members 0 and 2 on NPU 1, 1, 3 and 4
-// on NPU 2. Member i goes to VQI VQI_BASE + i and port PORT_BASE + i.
+// The NPU that owns each member: members 0 and 2 on NPU 1, 1, 3 and 4 on
+// NPU 2. Member i goes to VQI VQI_BASE + i and port PORT_BASE + i.
 const std::vector<std::uint32_t> OWNERS = {1, 2, 1, 2, 2};
-
-// The bundle as NPU n holds it: only the members it owns are local.
-ctrl::bundle bundle_held_by(std::uint32_t n, const std::vector<std::uint32_t>& owners) {
-  ctrl::bundle b = testkit::bundle_of(static_cast<std::uint32_t>(owners.size()), false);
-  for (std::size_t i = 0; i < owners.size(); ++i) b.members[i].local = owners[i] == n;
-  return b;
-}
-
-// What the egress side read and chose.
-struct egress_view {
-  std::uint32_t lagm = NOT_SEEN;
-  lag_egr_result_e result = LAG_EGR_NO_MEMBER;
-  std::uint32_t port = NOT_SEEN;
-  std::uint32_t drop = 0;
-};
 
 class BundleAcrossFabric : public ::testing::Test {
  protected:
   BundleAcrossFabric() {
     lc.add_port(IN_PORT);
-    EXPECT_EQ(lc.ifs().add_physical_port(IN_PORT, line_card::routed(IF_HANDLE, true, false, false)).err,
+    EXPECT_EQ(lc.ifs().add_physical_port(IN_PORT, testkit::line_card::routed(IF_HANDLE, true, false, false)).err,
               ctrl::error::none);
     for (std::uint32_t n = 0; n < NPUS; ++n) write_bundle(n, OWNERS);
     for (std::uint32_t i = 0; i < OWNERS.size(); ++i) {
       EXPECT_EQ(lc.harness().chassis_tables().map_vqi(VQI_BASE + i, OWNERS[i]), ctrl::error::none);
     }
-    testkit::install_ipv4_uni_egress(lc.harness(), [this](env_t env) { egress(env); });
+    testkit::probe_nph_type(lc.harness(), NPH_TYPE_IPV4_UNI, [this](env_t env) { egress(env); });
   }
 
-  model::npu& npu(std::uint32_t n) { return lc.harness().npu(n); }
-  ctrl::npu_tables& tables(std::uint32_t n) { return lc.harness().tables(n); }
-
+  // The bundle as NPU n holds it: only the members it owns are local.
   void write_bundle(std::uint32_t n, const std::vector<std::uint32_t>& owners) {
-    EXPECT_EQ(tables(n).lags().write(BUNDLE, bundle_held_by(n, owners)), ctrl::error::none);
+    ctrl::bundle b = testkit::bundle_of(static_cast<std::uint32_t>(owners.size()), false);
+    for (std::size_t i = 0; i < owners.size(); ++i) b.members[i].local = owners[i] == n;
+    EXPECT_EQ(lc.harness().tables(n).lags().write(BUNDLE, b), ctrl::error::none);
   }
 
-  // The egress side: the header's member turned into this NPU's port. The
-  // send to that port comes with the IPv4 egress path; a member that is not
-  // this NPU's drops with the counter the choice gave.
+  // The egress side turns the header's member into this NPU's port; the send
+  // to it comes with the IPv4 egress path. A member not this NPU's drops.
   void egress(env_t env) {
-    seen.lagm = plat_get_l3_uni_lag_egr(plat_fab_hdr_of(env));
-    seen.result = base_egr_lag_process(env, BUNDLE, seen.lagm, FALSE, &seen.drop);
-    if (seen.result != LAG_EGR_PORT_SET) {
-      drop_packet(env, seen.drop);
+    seen_lagm = plat_get_l3_uni_lag_egr(plat_fab_hdr_of(env));
+    std::uint32_t drop = 0;
+    if (base_egr_lag_process(env, BUNDLE, seen_lagm, FALSE, &drop) != LAG_EGR_PORT_SET) {
+      drop_packet(env, drop);
       return;
     }
-    seen.port = *ps_get_egr_port_id(env);
+    seen_port = *ps_get_egr_port_id(env);
     drop_packet_no_counter(env);
   }
 
-  // A UDP frame from IN_PORT whose flow hash is raw_hash. The ingress side
-  // chooses the member into the unicast header and sends; `in_flight` runs
-  // after the choice, before the send.
-  model::packet_outcome receive(std::uint32_t raw_hash, std::function<void()> in_flight = [] {}) {
+  // A UDP frame from IN_PORT whose flow hash is raw_hash: ingress chooses the
+  // member into the unicast header and sends; `in_flight` runs in between.
+  model::packet_outcome receive(
+      std::uint32_t raw_hash, std::function<void()> in_flight = [] {}) {
     testkit::probe_vector(lc.harness(), testkit::TEST_VECTOR, [raw_hash, in_flight](env_t env) {
       std::uint8_t* fab = testkit::write_ipv4_uni_header(env, IF_HANDLE);
       if (lag_process_l3_ing(env, fab, BUNDLE, raw_hash) != RC_SUCCESS) return;
@@ -100,85 +79,49 @@ class BundleAcrossFabric : public ::testing::Test {
     return lc.receive(IN_PORT, testkit::udp_frame(8));
   }
 
-  // How many frames each NPU took from the fabric.
+  // The frames each NPU took from the fabric.
   std::vector<std::size_t> arrivals() {
     std::vector<std::size_t> counts;
     for (std::uint32_t n = 0; n < NPUS; ++n) counts.push_back(lc.harness().run(n).size());
     return counts;
   }
 
-  line_card lc{NPUS};
-  egress_view seen;
+  testkit::line_card lc{NPUS};
+  std::uint32_t seen_lagm = NOT_SEEN;
+  std::uint32_t seen_port = NOT_SEEN;
 };
 
-// A flow hash and the member that its bundle bits (bits 27..24 and the low
-// byte) modulo 5 choose.
-struct flow {
-  const char* name;
-  std::uint32_t raw_hash;
-  std::uint32_t member;
-};
-
-class Flows : public BundleAcrossFabric, public ::testing::WithParamInterface<flow> {};
-
-TEST_P(Flows, CrossToTheNpuOfTheirMemberAndTakeItsPort) {
-  const flow& f = GetParam();
-  const std::uint32_t vqi = VQI_BASE + f.member;
-  const model::packet_outcome o = receive(f.raw_hash);
-  ASSERT_EQ(o.sent.size(), 1u) << o.note;
-  EXPECT_EQ(o.sent[0].to, model::frame_destination::fabric);
-  EXPECT_EQ(o.sent[0].port, vqi);
-  const std::uint8_t* hdr = o.sent[0].bytes.data();
-  EXPECT_EQ(plat_get_l3_uni_lag_egr(hdr), f.member);
-  EXPECT_EQ(dc3_nph_st::dc3_fgid_or_sfp::get(*reinterpret_cast<const dc3_nph_st*>(hdr)), vqi);
-
-  std::vector<std::size_t> expected(NPUS, 0);
-  expected[OWNERS[f.member]] = 1;
-  EXPECT_EQ(arrivals(), expected);
-  EXPECT_EQ(seen.lagm, f.member);
-  EXPECT_EQ(seen.result, LAG_EGR_PORT_SET);
-  EXPECT_EQ(seen.port, PORT_BASE + f.member);
+// The bundle bits (bits 27..24 and the low byte) modulo 5 give the member:
+// 0xFFF is 4095, member 0 on NPU 1; 0xBCD is 3021, member 1 on NPU 2.
+TEST_F(BundleAcrossFabric, FlowsCrossToTheNpuOfTheirMemberAndTakeItsPort) {
+  for (const auto& [raw_hash, member] : {std::pair{0x0F0000FFu, 0u}, std::pair{0xFB1234CDu, 1u}}) {
+    SCOPED_TRACE(member);
+    const model::packet_outcome o = receive(raw_hash);
+    ASSERT_EQ(o.sent.size(), 1u) << o.note;
+    EXPECT_EQ(o.sent[0].to, model::frame_destination::fabric);
+    EXPECT_EQ(o.sent[0].port, VQI_BASE + member);
+    std::vector<std::size_t> expected(NPUS, 0);
+    expected[OWNERS[member]] = 1;
+    EXPECT_EQ(arrivals(), expected);
+    EXPECT_EQ(seen_lagm, member);
+    EXPECT_EQ(seen_port, testkit::PORT_BASE + member);
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Hashes, Flows,
-    ::testing::Values(flow{"zero_member_0", 0x00000000, 0}, flow{"bits_0xBCD_member_1", 0xFB1234CD, 1},  // 3021 mod 5
-                      flow{"bits_0x007_member_2", 0x00000007, 2},
-                      flow{"bits_0xA03_member_3", 0x0A000003, 3},   // 2563 mod 5
-                      flow{"bits_0x004_member_4", 0x40FFFF04, 4},   // the other bits count for nothing
-                      flow{"bits_0xFFF_member_0", 0x0F0000FF, 0}),  // 4095 mod 5
-    [](const ::testing::TestParamInfo<flow>& p) { return p.param.name; });
-
-// Member 3 moves from NPU 2 to NPU 1 while the frame crosses: NPU 2's copy is
-// rewritten after ingress chose the member. The frame still reaches NPU 2,
-// whose check of the member's owner drops it.
+// Member 3 moves from NPU 2 to NPU 1 after ingress chose it. The frame still
+// reaches NPU 2, whose check of the member's owner drops it.
 TEST_F(BundleAcrossFabric, AMemberThatChangedOwnerInFlightDropsAt0xE2) {
   std::vector<std::uint32_t> moved = OWNERS;
   moved[3] = 1;
-  const model::packet_outcome o = receive(0x0A000003, [&] { write_bundle(2, moved); });
+  const model::packet_outcome o = receive(0x0A000003, [&] { write_bundle(2, moved); });  // bundle bits 0xA03: 3
   ASSERT_EQ(o.sent.size(), 1u) << o.note;
   EXPECT_EQ(o.sent[0].port, VQI_BASE + 3);
-
   const std::vector<model::packet_outcome> at_owner = lc.harness().run(2);
   ASSERT_EQ(at_owner.size(), 1u);
   EXPECT_EQ(at_owner[0].global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
-  EXPECT_EQ(tables(2).stats().global(DROP_LAG_MEMBER_NOT_LOCAL), 1u);
-  EXPECT_EQ(seen.lagm, 3u);
-  EXPECT_EQ(seen.result, LAG_EGR_NO_MEMBER);
-  EXPECT_EQ(seen.port, NOT_SEEN);
-  EXPECT_EQ(arrivals(), (std::vector<std::size_t>{0, 0, 0}));
-}
-
-// The bundle is removed on the ingress NPU, while the egress NPUs still hold
-// it: ingress drops, and nothing reaches the fabric.
-TEST_F(BundleAcrossFabric, ABundleGoneAtIngressDropsAt0x240AndSendsNothing) {
-  ASSERT_EQ(tables(0).lags().remove(BUNDLE), ctrl::error::none);
-  const model::packet_outcome o = receive(0xFB1234CD);
-  EXPECT_TRUE(o.sent.empty());
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_ING_INVALID}));
-  EXPECT_EQ(tables(0).stats().global(DROP_LAG_ING_INVALID), 1u);
-  EXPECT_EQ(arrivals(), (std::vector<std::size_t>{0, 0, 0}));
-  EXPECT_EQ(seen.lagm, NOT_SEEN);
+  EXPECT_EQ(lc.harness().tables(2).stats().global(DROP_LAG_MEMBER_NOT_LOCAL), 1u);
+  EXPECT_EQ(seen_lagm, 3u);
+  EXPECT_EQ(seen_port, NOT_SEEN);
 }
 
 }  // namespace

@@ -16,8 +16,8 @@ inline ctrl::bundle bundle_of(std::uint32_t members, bool local = true, bool tru
   b.name_id = 0x77;
   b.truncate_hash = truncate_hash;
   for (std::uint32_t i = 0; i < members; ++i) {
-    b.members.push_back({VQI_BASE + i, static_cast<std::uint16_t>(PORT_BASE + i), local, false,
-                         static_cast<std::uint8_t>(i)});
+    b.members.push_back(
+        {VQI_BASE + i, static_cast<std::uint16_t>(PORT_BASE + i), local, false, static_cast<std::uint8_t>(i)});
   }
   return b;
 }

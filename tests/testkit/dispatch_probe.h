@@ -1,9 +1,7 @@
-// A probe in the dispatch tables: it takes the place of the entry of one
-// ingress vector or one fabric header type, records that it ran and with
-// which argument, then runs the test's body, which ends the packet. Tests of
-// dispatch assert which row a packet reached through it, so they keep their
-// meaning whatever handler the row holds; other tests play a path's handler
-// with a body of their own.
+// A probe in the dispatch tables: it takes the entry of one ingress vector
+// or fabric header type, records that it ran, then runs the test's body,
+// which ends the packet. Dispatch tests assert which row a packet reached;
+// other tests play a path's handler with a body of their own.
 #pragma once
 
 #include <array>
@@ -24,8 +22,7 @@ namespace testkit {
 
 enum class dispatch_table { ingress, fabric };
 
-// One run of a probe: the table, the vector or header type of its entry, and
-// the global-feature argument (ingress only).
+// One run of a probe; the global-feature argument is ingress only.
 struct probe_call {
   dispatch_table table;
   std::uint32_t row;
@@ -40,27 +37,23 @@ inline void PrintTo(const probe_call& c, std::ostream* os) {
 
 using probe_body = std::function<void(env_t)>;
 
-// Ends the packet with no counter: the default body.
-inline void probe_end_packet(env_t env) { drop_packet_no_counter(env); }
-
 namespace detail {
 struct probe_state {
   std::mutex lock;
   std::vector<probe_call> calls;
-  probe_body ingress_body = probe_end_packet;
-  probe_body fabric_body = probe_end_packet;
+  probe_body bodies[2] = {drop_packet_no_counter, drop_packet_no_counter};  // by dispatch_table
 };
 inline probe_state& probe() {
   static probe_state state;
   return state;
 }
 inline void probe_ran(env_t env, probe_call call) {
-  {
-    std::lock_guard guard(probe().lock);
-    probe().calls.push_back(call);
-  }
   probe_state& p = probe();
-  (call.table == dispatch_table::ingress ? p.ingress_body : p.fabric_body)(env);
+  {
+    std::lock_guard guard(p.lock);
+    p.calls.push_back(call);
+  }
+  p.bodies[static_cast<int>(call.table)](env);
 }
 template <std::uint32_t vector>
 void ing_probe(env_t env, boolean_t global_feature_enabled) {
@@ -83,14 +76,13 @@ inline constexpr auto nph_probes = nph_probe_entries(std::make_index_sequence<64
 inline void set_body(dispatch_table table, probe_body body) {
   std::lock_guard guard(probe().lock);
   probe().calls.clear();
-  probe_body& b = table == dispatch_table::ingress ? probe().ingress_body : probe().fabric_body;
-  b = body ? std::move(body) : probe_body(probe_end_packet);
+  probe().bodies[static_cast<int>(table)] = body ? std::move(body) : probe_body(drop_packet_no_counter);
 }
 }  // namespace detail
 
-// Puts the probe at `vector` of the ingress table (shared by the threads of
-// every NPU, which fill it when they start), with `body` or the default body.
-// The probes of one table share their body.
+// Puts the probe at `vector` of the ingress table, with `body` or one that
+// ends the packet uncounted. The table serves every NPU; the probes of one
+// table share a body.
 inline void probe_vector(npu_harness& h, std::uint32_t vector, probe_body body = {}) {
   detail::set_body(dispatch_table::ingress, std::move(body));
   h.on_thread([vector](env_t) {
@@ -107,13 +99,12 @@ inline void probe_nph_type(npu_harness& h, std::uint32_t type, probe_body body =
   });
 }
 
-// The probe's runs since it was put in place or last asked, in order.
+// The probe's runs since it was put in place or last asked.
 inline std::vector<probe_call> take_probe_calls() {
   std::lock_guard guard(detail::probe().lock);
   return std::exchange(detail::probe().calls, {});
 }
 
-// A run of the probe at ingress vector `vector`, or at fabric header type `type`.
 inline probe_call ran_at_vector(std::uint32_t vector, boolean_t global_feature_enabled = FALSE) {
   return {dispatch_table::ingress, vector, global_feature_enabled};
 }

@@ -3,19 +3,10 @@
 #include "npu/zephra/pkt_buf.h"
 #include "npu/zephra/xmit_fab.h"
 #include "pktlib/packet_builder.h"
-#include "platform/varn/entry_points.h"
 #include "platform/varn/fab_hdr_write.h"
 #include "testkit/line_card.h"
 
 namespace testkit {
-
-namespace {
-std::function<void(env_t)>& egress_body() {
-  static std::function<void(env_t)> body;
-  return body;
-}
-void egress_handler(env_t env) { egress_body()(env); }
-}  // namespace
 
 std::vector<std::uint8_t> udp_frame(std::size_t udp_payload) {
   return pkt::builder()
@@ -38,11 +29,6 @@ std::uint8_t* write_ipv4_uni_header(env_t env, std::uint32_t if_handle) {
 
 void prep_uni_send(env_t env, std::uint8_t* fab, std::uint32_t len) {
   npu_xmit_pkt_fab_prep(env, fab, FAB_HDR_BYTES_UNI, l3_start(env), len, FLB_GATHER_REQ_LOC, FALSE);
-}
-
-void install_ipv4_uni_egress(npu_harness& h, std::function<void(env_t)> body) {
-  egress_body() = std::move(body);
-  h.on_thread([](env_t) { nph_ep.entry_point[nph_type_to_ep_table_index(NPH_TYPE_IPV4_UNI)] = &egress_handler; });
 }
 
 }  // namespace testkit

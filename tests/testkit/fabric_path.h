@@ -1,16 +1,14 @@
-// The two ends of a unicast IPv4 packet's way across the fabric, played by
-// tests until the forwarding paths exist: the ingress side puts a unicast
-// header ahead of the L3 packet of a frame from a line port and sends it, the
-// egress side is a handler of the fabric dispatch.
+// The ingress end of a unicast IPv4 packet's way across the fabric, played
+// by tests until the forwarding paths exist: a unicast header ahead of the
+// L3 packet of a frame from a line port, and its send. The egress end is a
+// probe at the fabric dispatch (dispatch_probe.h).
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 #include "dplane/infra/env.h"
 #include "fab_hdr.h"
-#include "testkit/npu_harness.h"
 
 namespace testkit {
 
@@ -29,9 +27,5 @@ std::uint32_t l3_len(env_t env);
 std::uint8_t* write_ipv4_uni_header(env_t env, std::uint32_t if_handle);
 // The gather request of the header at fab and len bytes of the L3 packet.
 void prep_uni_send(env_t env, std::uint8_t* fab, std::uint32_t len);
-
-// Puts body at the fabric dispatch's IPv4 unicast entry. The dispatch table
-// is one for the whole program, so body serves every NPU of the chassis.
-void install_ipv4_uni_egress(npu_harness& h, std::function<void(env_t)> body);
 
 }  // namespace testkit

@@ -10,12 +10,7 @@ constexpr std::uint32_t PORT_HANDLE_BASE = 0x100;
 }
 
 void line_card::add_port(std::uint32_t port, ctrl::port_bits bits, std::uint32_t input_queue) {
-  ctrl::line_port p;
-  p.port = port;
-  p.mac = ROUTER_MAC;
-  p.input_queue = input_queue;
-  p.if_handle = PORT_HANDLE_BASE + port;
-  p.bits = bits;
+  const ctrl::line_port p{port, ROUTER_MAC, input_queue, PORT_HANDLE_BASE + port, bits};
   if (ifs().add_port(p) != ctrl::error::none) throw std::invalid_argument("line port refused");
 }
 

@@ -41,14 +41,9 @@ inline std::vector<field_values> dissect(const std::string& pcap, const std::vec
   std::vector<field_values> frames;
   std::istringstream lines(output);
   for (std::string line; std::getline(lines, line);) {
-    field_values values;
     std::istringstream cells(line);
-    std::string cell;
-    for (const std::string& f : fields) {
-      std::getline(cells, cell, '\t');
-      values[f] = cell;
-    }
-    frames.push_back(values);
+    field_values& values = frames.emplace_back();
+    for (const std::string& f : fields) std::getline(cells, values[f], '\t');
   }
   return frames;
 }

@@ -1,19 +1,16 @@
-// The member choice at egress: a member number from the fabric header, the
-// inject header or the packet state, or a fresh hash, chosen by the caller's
-// thread bits and the packet's flags; and what fails: a bundle or member
-// that is not valid, a member on another NPU.
-#include "testkit/routed_port.h"
+// The member choice at egress: the fabric header's, the inject header's or
+// the packet state's member number, or a fresh hash, by the caller's thread
+// bits and the packet's flags; and the drops when no member fits.
 #include "dplane/infra/lookup.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_egr_drop.h"
 #include "lag_test_util.h"
 #include "platform/shared/placeholder.h"
+#include "testkit/routed_port.h"
 
 namespace {
 
-using lag_test::BundleTest;
-using lag_test::bundle_of;
-using lag_test::PORT_BASE;
+using namespace lag_test;
 using cf = common_flags_st;
 
 // The first interface the control side adds gets UIDB index 1.
@@ -27,11 +24,14 @@ constexpr std::uint32_t RAW_HASH = 0xFB1234CD;
 // Packet state a case sets.
 enum state : std::uint32_t {
   GRE_OVER_MPLS = 1,
-  LB_HASH_EN = 2,   // bundle_lb_hash_en of the interface
-  USE_LAG_SEL = 4,  // of the pass's GRE encapsulation
-  RAW_HASH_SET = 8, // use_ps_raw_hash
+  LB_HASH_EN = 2,    // bundle_lb_hash_en of the interface
+  USE_LAG_SEL = 4,   // of the pass's GRE encapsulation
+  RAW_HASH_SET = 8,  // use_ps_raw_hash
   INJECTED = 16,
-  SR_TE = 32,       // ing_te_nh_bkup_egr_sr_te_thread
+  SR_TE = 32,  // ing_te_nh_bkup_egr_sr_te_thread
+  NO_BUNDLE = 64,
+  REMOTE_MEMBERS = 128,  // the members are another NPU's
+  TRUNCATING = 256,      // the bundle hashes the low byte alone
 };
 
 struct outcome {
@@ -84,13 +84,15 @@ class EgressChoice : public BundleTest {
 };
 
 // Nine members: the hash's 0xBCD (3021) chooses member 6; the fabric header
-// says 2, the inject header 3, the packet state 4.
+// says 2, the inject header 3, the packet state 4; member number 11 or 63 is
+// past the list.
 struct selection_case {
   const char* name;
   std::uint32_t thread_bits;
   std::uint32_t state;
   std::uint8_t header_lagm;
-  int member;  // -1: member number 11 read, which is past the list
+  int member;  // -1: no member, with drop
+  std::uint32_t drop = DROP_LAG_EGR_INVALID;
 };
 
 class EgressSelection : public EgressChoice, public ::testing::WithParamInterface<selection_case> {};
@@ -98,11 +100,12 @@ class EgressSelection : public EgressChoice, public ::testing::WithParamInterfac
 TEST_P(EgressSelection, ChoosesTheMemberByThreadBitsAndState) {
   const selection_case& c = GetParam();
   set_up_interface(c.state);
-  add(BUNDLE, bundle_of(9));
+  if (!(c.state & NO_BUNDLE)) add(BUNDLE, bundle_of(9, !(c.state & REMOTE_MEMBERS), c.state & TRUNCATING));
+  add(BUNDLE + 1, bundle_of(3));  // the next bundle's members stand behind this one's block
   const outcome o = choose(c.thread_bits, c.state, packet(c.header_lagm, 3), 4);
   if (c.member < 0) {
     EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-    EXPECT_EQ(o.drop, DROP_LAG_EGR_INVALID);
+    EXPECT_EQ(o.drop, c.drop);
   } else {
     EXPECT_EQ(o.result, LAG_EGR_PORT_SET);
     EXPECT_EQ(o.port, PORT_BASE + static_cast<std::uint32_t>(c.member));
@@ -112,13 +115,13 @@ TEST_P(EgressSelection, ChoosesTheMemberByThreadBitsAndState) {
 INSTANTIATE_TEST_SUITE_P(
     ThreadBits, EgressSelection,
     ::testing::Values(selection_case{"header_member", 0x00, 0, 2, 2}, selection_case{"hash_bit", 0x10, 0, 2, 6},
-                      selection_case{"always_hash", 0x50, 0, 2, 6},
+
                       selection_case{"optional_hash_without_reason", 0x30, 0, 2, 6},
                       selection_case{"optional_hash_interface_keeps_member", 0x30, LB_HASH_EN, 2, 2},
                       selection_case{"optional_hash_pass_keeps_member", 0x30, USE_LAG_SEL, 2, 2},
                       selection_case{"always_beats_optional", 0x70, LB_HASH_EN, 2, 6},
                       selection_case{"interface_needs_the_optional_bit", 0x10, LB_HASH_EN, 2, 6},
-                      selection_case{"pass_needs_the_optional_bit", 0x10, USE_LAG_SEL, 2, 6},
+
                       selection_case{"gre_over_mpls_hashes_0xBCD", 0x00, GRE_OVER_MPLS, 2, 6},
                       selection_case{"inject_member", 0x08, 0, 2, 3},
                       selection_case{"header_only_ignores_inject", 0x0A, 0, 2, 2},
@@ -128,85 +131,39 @@ INSTANTIATE_TEST_SUITE_P(
                       selection_case{"raw_hash_before_inject", 0x09, RAW_HASH_SET | INJECTED, 11, 2},
                       selection_case{"sr_te_takes_the_packet_state", 0x00, SR_TE, 2, 4},
                       selection_case{"sr_te_over_inject", 0x08, SR_TE, 2, 4},
-                      selection_case{"sr_te_leaves_the_hash", 0x10, SR_TE, 2, 6}),
+                      selection_case{"sr_te_leaves_the_hash", 0x10, SR_TE, 2, 6},
+                      selection_case{"truncating_hashes_0xCD", 0x10, TRUNCATING, 2, 0xCD % 9},
+                      selection_case{"truncating_keeps_the_member_number", 0x00, TRUNCATING, 8, 8},
+                      selection_case{"bundle_not_valid", 0x00, NO_BUNDLE, 1, -1},
+                      selection_case{"last_member_number_past_the_list", 0x00, 0, 63, -1},
+                      selection_case{"member_on_another_npu", 0x00, REMOTE_MEMBERS, 1, -1, DROP_LAG_MEMBER_NOT_LOCAL}),
     [](const ::testing::TestParamInfo<selection_case>& p) { return p.param.name; });
 
-// What gives no member at egress.
-struct failure_case {
-  const char* name;
-  std::uint32_t members;  // 0: no bundle
-  bool local;
-  std::uint8_t header_lagm;
-  std::uint32_t drop;
-};
-
-class EgressFailure : public EgressChoice, public ::testing::WithParamInterface<failure_case> {};
-
-TEST_P(EgressFailure, ReportsItsDropCounter) {
-  const failure_case& c = GetParam();
-  set_up_interface();
-  if (c.members > 0) add(BUNDLE, bundle_of(c.members, c.local));
-  add(BUNDLE + 1, bundle_of(3));  // the next bundle's members stand behind this one's block
-  const outcome o = choose(0, 0, packet(c.header_lagm));
-  EXPECT_EQ(o.result, LAG_EGR_NO_MEMBER);
-  EXPECT_EQ(o.drop, c.drop);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Failures, EgressFailure,
-    ::testing::Values(failure_case{"bundle_not_valid", 0, true, 1, DROP_LAG_EGR_INVALID},
-                      failure_case{"member_past_the_list", 3, true, 5, DROP_LAG_EGR_INVALID},
-                      failure_case{"last_member_number_past_the_list", 3, true, 63, DROP_LAG_EGR_INVALID},
-                      failure_case{"member_on_another_npu", 3, false, 1, DROP_LAG_MEMBER_NOT_LOCAL}),
-    [](const ::testing::TestParamInfo<failure_case>& p) { return p.param.name; });
-
-TEST_F(EgressChoice, ATruncatingBundleHashesTheLowByte) {
-  set_up_interface();
-  add(BUNDLE, bundle_of(9, true, true));
-  EXPECT_EQ(choose(0x10, 0, packet(0)).port, PORT_BASE + 0xCD % 9);
-  EXPECT_EQ(choose(0x00, 0, packet(8)).port, PORT_BASE + 8u);  // a member number is not truncated
-}
-
-// ---- the drops of a failed choice, on paths of each family ----
-
-using lag_drop = func_rc_e (*)(env_t env, std::uint32_t drop_counter_index);
-
-struct drop_case {
-  const char* name;
-  lag_drop drop;
-  std::int32_t flow_export;  // the flow-export step reached, or -1
-};
-
-class EgressDrop : public EgressChoice, public ::testing::WithParamInterface<drop_case> {};
-
-TEST_P(EgressDrop, CountsTheReasonAfterTheFlowExportOfItsPath) {
-  const drop_case& c = GetParam();
+// The drops of a failed choice, rows of one list: the reason is counted
+// after the flow-export step of the path's family, if it has one.
+TEST_F(EgressChoice, EachFamilysDropCountsTheReasonAfterItsFlowExport) {
   set_up_interface();
   add(BUNDLE, bundle_of(2, false));
-  func_rc_e rc = RC_FAIL;
-  const model::packet_outcome o = run(
-      [&](env_t env) {
-        lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
-        std::uint32_t drop = 0;
-        ASSERT_EQ(l3_egr_lag_process(env, 0, &drop), LAG_EGR_NO_MEMBER);
-        rc = c.drop(env, drop);
-      },
-      packet(1));
-  EXPECT_EQ(rc, RC_PKT_DROP);
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
-  EXPECT_EQ(counter(DROP_LAG_MEMBER_NOT_LOCAL), 1u);
-  EXPECT_EQ(o.placeholder, c.flow_export);
+  const std::pair<func_rc_e (*)(env_t, std::uint32_t), std::int32_t> cases[] = {
+      {l3_egr_lag_drop_ipv4, UNBUILT_ipv4_egr_netflow_part_1},
+      {l3_egr_lag_drop_l2flood, -1},
+      {l3_egr_lag_drop_srv6_encap_v4, UNBUILT_ipv6_egr_netflow_part_1}};
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    SCOPED_TRACE(i);
+    func_rc_e rc = RC_FAIL;
+    const model::packet_outcome o = run(
+        [&](env_t env) {
+          lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
+          std::uint32_t drop = 0;
+          ASSERT_EQ(l3_egr_lag_process(env, 0, &drop), LAG_EGR_NO_MEMBER);
+          rc = cases[i].first(env, drop);
+        },
+        packet(1));
+    EXPECT_EQ(rc, RC_PKT_DROP);
+    EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{DROP_LAG_MEMBER_NOT_LOCAL}));
+    EXPECT_EQ(o.placeholder, cases[i].second);
+  }
+  EXPECT_EQ(counter(DROP_LAG_MEMBER_NOT_LOCAL), std::size(cases));
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, EgressDrop,
-    ::testing::Values(drop_case{"ipv4", l3_egr_lag_drop_ipv4, UNBUILT_ipv4_egr_netflow_part_1},
-                      drop_case{"ipm4", l3_egr_lag_drop_ipm4, UNBUILT_ipm4_egr_netflow_part_1},
-                      drop_case{"mpls", l3_egr_lag_drop_mpls, UNBUILT_mpls_egr_netflow_part_1},
-                      drop_case{"l2flood", l3_egr_lag_drop_l2flood, -1},
-                      drop_case{"gre_v6_encap", l3_egr_lag_drop_gre_v6_encap, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"srv6_encap_v4", l3_egr_lag_drop_srv6_encap_v4, UNBUILT_ipv6_egr_netflow_part_1},
-                      drop_case{"srv6_end_v4", l3_egr_lag_drop_srv6_end_v4, UNBUILT_ipv4_egr_netflow_part_1}),
-    [](const ::testing::TestParamInfo<drop_case>& p) { return p.param.name; });
 
 }  // namespace
