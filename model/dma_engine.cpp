@@ -49,22 +49,16 @@ void respond_old_word(dma_request& r, std::uint64_t old, unsigned width) {
   if (std::uint8_t* resp = r.response()) store_word(resp, width, old);
 }
 
-// One operation of the memory controller: its operation word (word 0 of a
-// physical request, or the word that a long TLU command forwards), its
-// address, and the request word where its data or operand begins. Addresses
-// of statistics memory go to the statistics engine.
-void memory_op(dma_request& r, const mem_request_st& op, paddr_t addr, std::uint32_t data_word) {
-  const std::uint32_t opcode = mem_request_st::opcode::get(op);
-  if (stats_memory::contains(addr)) {
-    return stats_memory_op(r.thread(), opcode, addr, r.word(data_word), r.response(), r.cmd().resp_bytes);
-  }
-  table_memory& mem = r.owner().memory();
+// Plain reads and writes of 4 to 32 bytes; false for any other opcode.
+bool plain_access(dma_request& r, table_memory& mem, std::uint32_t opcode, paddr_t addr, std::uint32_t data_word) {
   auto read_into_response = [&](std::size_t n) {
     if (std::uint8_t* resp = r.response()) mem.read(addr, {resp, std::min<std::size_t>(n, r.cmd().resp_bytes)});
+    return true;
   };
   auto write_from_request = [&](std::size_t n) {
     mem.write(addr, {r.bytes_from(4 * data_word), n});
     r.response();
+    return true;
   };
   switch (opcode) {
     case MEM_OP_READ_4B:
@@ -84,30 +78,41 @@ void memory_op(dma_request& r, const mem_request_st& op, paddr_t addr, std::uint
     case MEM_OP_WRITE_32B:
     case MEM_OP_DPE_WRITE_32B:
       return write_from_request(32);
-    case MEM_OP_EPE_READ_CLR_16B: {
-      std::uint8_t* resp = r.response();
-      std::uint8_t scratch[16];
-      mem.read_clear(addr, {resp ? resp : scratch, 16});
-      return;
-    }
-    case MEM_OP_READ_CLR_8B: {
-      std::uint8_t* resp = r.response();
-      std::uint8_t scratch[8];
-      mem.read_clear(addr, {resp ? resp : scratch, 8});
-      return;
-    }
+    default:
+      return false;
+  }
+}
+
+// The indivisible read-clears and read-modify-writes, answered with the old
+// contents; false for any other opcode.
+bool read_modify_write(dma_request& r, table_memory& mem, std::uint32_t opcode, paddr_t addr, std::uint32_t data_word) {
+  auto read_clear = [&](std::size_t n) {
+    std::uint8_t* resp = r.response();
+    std::uint8_t scratch[16];
+    mem.read_clear(addr, {resp ? resp : scratch, n});
+    return true;
+  };
+  auto old_word = [&](unsigned width, rmw_op op, std::uint64_t operand) {
+    respond_old_word(r, mem.rmw(addr, width, op, operand), width);
+    return true;
+  };
+  switch (opcode) {
+    case MEM_OP_EPE_READ_CLR_16B:
+      return read_clear(16);
+    case MEM_OP_READ_CLR_8B:
+      return read_clear(8);
     case MEM_OP_INCR_4B: {
       // With a second command behind it, this is the increment with wrap.
       const auto& next = r.record_at<mem_request_st>(4 * data_word);
       if (r.cmd().req_bytes >= 24 && mem_request_st::opcode::get(next) == MEM_OP_INCR_WRAP_PART2) {
-        return respond_old_word(r, mem.rmw(addr, 4, rmw_op::inc_wrap, r.word(data_word + 2)), 4);
+        return old_word(4, rmw_op::inc_wrap, r.word(data_word + 2));
       }
-      return respond_old_word(r, mem.rmw(addr, 4, rmw_op::add, 1), 4);
+      return old_word(4, rmw_op::add, 1);
     }
     case MEM_OP_INCR_8B:
-      return respond_old_word(r, mem.rmw(addr, 8, rmw_op::add, 1), 8);
+      return old_word(8, rmw_op::add, 1);
     case MEM_OP_CONDSUB_4B:
-      return respond_old_word(r, mem.rmw(addr, 4, rmw_op::cond_sub, r.word(data_word)), 4);
+      return old_word(4, rmw_op::cond_sub, r.word(data_word));
     case MEM_OP_SADD:
     case MEM_OP_NOR:
     case MEM_OP_NOT:
@@ -116,10 +121,23 @@ void memory_op(dma_request& r, const mem_request_st& op, paddr_t addr, std::uint
     case MEM_OP_AND:
     case MEM_OP_XNOR:
     case MEM_OP_OR:
-      return respond_old_word(r, mem.rmw(addr, 4, alu_op(opcode), r.word(data_word)), 4);
+      return old_word(4, alu_op(opcode), r.word(data_word));
     default:
-      break;
+      return false;
   }
+}
+
+// One operation of the memory controller: its operation word (word 0 of a
+// physical request, or the word that a long TLU command forwards), its
+// address, and the request word where its data or operand begins. Addresses
+// of statistics memory go to the statistics engine.
+void memory_op(dma_request& r, const mem_request_st& op, paddr_t addr, std::uint32_t data_word) {
+  const std::uint32_t opcode = mem_request_st::opcode::get(op);
+  if (stats_memory::contains(addr)) {
+    return stats_memory_op(r.thread(), opcode, addr, r.word(data_word), r.response(), r.cmd().resp_bytes);
+  }
+  table_memory& mem = r.owner().memory();
+  if (plain_access(r, mem, opcode, addr, data_word) || read_modify_write(r, mem, opcode, addr, data_word)) return;
   r.breach("memory request with opcode " + std::to_string(opcode) + ", which nothing serves");
 }
 

@@ -159,7 +159,10 @@ void emit_hash_tables(std::ostringstream& out, const catalogue& cat) {
   out << "}};\n";
 }
 
-void emit_hash_search(std::ostringstream& out, const lookup& l) {
+namespace {
+
+// The row's description and its bucket, key and result lookups.
+void emit_hash_row_lookups(std::ostringstream& out, const lookup& l) {
   const row& r = *l.r;
   const hash_table& t = *l.hash;
   const std::string desc = "HASH_SEARCH_" + r.id;
@@ -193,6 +196,13 @@ void emit_hash_search(std::ostringstream& out, const lookup& l) {
   for (const auto& [s, at] : offsets) {
     out << "inline std::uint32_t lookup_result_dmem_offset_" << id(s) << "(env_t) { return " << hex(at) << "; }\n";
   }
+}
+
+// The three parts of the row's search, and part 1 with the bucket's lock.
+void emit_hash_search_parts(std::ostringstream& out, const lookup& l) {
+  const row& r = *l.r;
+  const hash_table& t = *l.hash;
+  const std::string desc = "HASH_SEARCH_" + r.id;
   const std::string args = "(env_t env, void* key, hash_search_context_st* context)";
   if (t.caller_base) {
     out << "inline void hash_search_part_1_ID_" << r.id
@@ -219,6 +229,13 @@ void emit_hash_search(std::ostringstream& out, const lookup& l) {
       << desc << ", key, context);\n}\n"
       << "inline hash_search_rc_t hash_search_part_3_multiple_entry_ID_" << r.id << args
       << " {\n  return hash_search_part_3_multiple_entry(env, " << desc << ", key, context);\n}\n\n";
+}
+
+}  // namespace
+
+void emit_hash_search(std::ostringstream& out, const lookup& l) {
+  emit_hash_row_lookups(out, l);
+  emit_hash_search_parts(out, l);
 }
 
 void emit_hash_slots(std::ostringstream& out, const lookup& l) {
