@@ -4,13 +4,13 @@
 // the egress drops, with their flow-export and mirror steps.
 #include <gtest/gtest.h>
 
-#include "testkit/routed_port.h"
 #include "dplane/infra/drop.h"
 #include "dplane/infra/drop_paths.h"
 #include "dplane/infra/lookup.h"
 #include "npu/zephra/pkt_rx.h"
 #include "platform/shared/placeholder.h"
 #include "testkit/dispatch_probe.h"
+#include "testkit/routed_port.h"
 
 namespace {
 
@@ -36,9 +36,7 @@ class DropFamily : public ::testing::Test {
     testkit::probe_vector(h, testkit::TEST_VECTOR, std::move(body));
     return h.one(packet_of(len));
   }
-  void set_up_interface(const ctrl::l3_interface& cfg) {
-    stats = testkit::add_routed_port(h.tables(), 1, cfg).stats;
-  }
+  void set_up_interface(const ctrl::l3_interface& cfg) { stats = testkit::add_routed_port(h.tables(), 1, cfg).stats; }
   void set_up_interface(const uidb_l3_ing_fields_st& features = {}) {
     ctrl::l3_interface cfg;
     cfg.ingress = features;
@@ -52,16 +50,19 @@ class DropFamily : public ::testing::Test {
 };
 
 TEST_F(DropFamily, AKeptPacketCountsEachDropAndEndsAtTheFinalOne) {
-  const model::packet_outcome o = one([](env_t env) {
+  std::uint32_t not_sent = 0;
+  const model::packet_outcome o = one([&](env_t env) {
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
     drop_packet(env, 0x101);
     drop_packet(env, 0x102);
+    not_sent = span_flags_st::egr_not_xmitted::get(*ps_get_span_flags(env));
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 0);
     drop_packet(env, 0x103);
   });
   EXPECT_EQ(o.end, model::packet_end::freed);
   EXPECT_EQ(o.global_counters, (counters{0x101, 0x102, 0x103}));
   EXPECT_EQ(o.drop_counter, 0x103u);
+  EXPECT_EQ(not_sent, 1u) << "a kept packet is marked as not sent";
 }
 
 TEST_F(DropFamily, TheLastCopyOfAReplicationFreesTheKeptBuffer) {
@@ -118,16 +119,15 @@ TEST_P(CaptureFilter, TakesOnlyWhatTheRegisterAsksFor) {
 
 INSTANTIATE_TEST_SUITE_P(
     Filters, CaptureFilter,
-    ::testing::Values(capture_case{"no_filter", 0, 0x150, false, false, true},
-                      capture_case{"reason_matches", BY_REASON | reason_field(0x150), 0x150, false, false, true},
-                      capture_case{"reason_differs", BY_REASON | reason_field(0x151), 0x150, false, false, false},
-                      capture_case{"interface_matches", BY_INTERFACE | interface_field(UIDB), 0x150, false, false,
-                                   true},
-                      capture_case{"interface_differs", BY_INTERFACE | interface_field(UIDB + 1), 0x150, false, false,
-                                   false},
-                      capture_case{"traced_only_and_traced", TRACED_ONLY, 0x150, true, false, true},
-                      capture_case{"traced_only_untraced", TRACED_ONLY, 0x150, false, false, false},
-                      capture_case{"start_beyond_the_first_256_bytes", 0, 0x150, false, true, false}),
+    ::testing::Values(
+        capture_case{"no_filter", 0, 0x150, false, false, true},
+        capture_case{"reason_matches", BY_REASON | reason_field(0x150), 0x150, false, false, true},
+        capture_case{"reason_differs", BY_REASON | reason_field(0x151), 0x150, false, false, false},
+        capture_case{"interface_matches", BY_INTERFACE | interface_field(UIDB), 0x150, false, false, true},
+        capture_case{"interface_differs", BY_INTERFACE | interface_field(UIDB + 1), 0x150, false, false, false},
+        capture_case{"traced_only_and_traced", TRACED_ONLY, 0x150, true, false, true},
+        capture_case{"traced_only_untraced", TRACED_ONLY, 0x150, false, false, false},
+        capture_case{"start_beyond_the_first_256_bytes", 0, 0x150, false, true, false}),
     [](const ::testing::TestParamInfo<capture_case>& p) { return p.param.name; });
 
 TEST(CaptureFilterOf, AFabricPacketIsNoInterfacesPacket) {
