@@ -152,64 +152,57 @@ TEST_F(DropFamily, KeptDropsAndDropsWithoutReasonAreNotCaptured) {
 
 // ---- drops that count on the interface ----
 
-TEST_F(DropFamily, L3IngDropCountsOnTheInterfaceUnlessInjected) {
-  set_up_interface();
-  const model::packet_outcome o = one([](env_t env) { l3_ing_drop(env, FALSE, 150, 0x589); });
-  EXPECT_EQ(o.global_counters, (counters{0x589}));
-  EXPECT_EQ(interface_drops(), (model::stats_entry{1, 150}));
-
-  one([](env_t env) {
-    inject_flags_st::injected_pkt::set(*ps_put_mod_inject_flags(env), 1);
-    l3_ing_drop(env, FALSE, 150, 0x589);
-  });
-  EXPECT_EQ(interface_drops(), (model::stats_entry{1, 150}));
-}
-
 // The early drop of a path that has asked for its interface record.
 void early_ipv4_drop(env_t env, boolean_t need_stats) {
   lookup_request_ID_UIDB_L3_ING__COMM(env, pkt_get_rx_uidb_index(env));
   early_drop_packet_ing__IPV4(env, 90, NF_DROP_REASON_BAD_TTL, 0x1D8, need_stats);
 }
 
-TEST_F(DropFamily, EarlyDropRecordsItsFlowExportReasonAndCountsWhenAsked) {
-  set_up_interface();
-  std::uint8_t status = 0;
-  const model::packet_outcome o = one([&](env_t env) {
-    common_flags_st& f = *ps_put_mod_common_flags(env);
-    cf::nf_sampled::set(f, 1);
-    cf::keep_gpm::set(f, 1);  // kept, so that the drop returns to read the status
-    early_ipv4_drop(env, TRUE);
-    status = ps_get_nf_status(env)->bytes[3];
-    cf::keep_gpm::set(f, 0);
-    drop_packet_no_counter(env);
-  });
-  EXPECT_EQ(o.global_counters, (counters{0x1D8}));
-  EXPECT_EQ(reached(o), "");
-  EXPECT_EQ(status, (NF_FWD_STATUS_DROP << 6) | NF_DROP_REASON_BAD_TTL);
-  EXPECT_EQ(interface_drops(), (model::stats_entry{1, 90}));
+void injected(env_t env) { inject_flags_st::injected_pkt::set(*ps_put_mod_inject_flags(env), 1); }
 
-  one([](env_t env) { early_ipv4_drop(env, FALSE); });
-  EXPECT_EQ(interface_drops(), (model::stats_entry{1, 90}));
-}
-
-TEST_F(DropFamily, EarlyDropReachesFlowExportAndMirrorWhenTheInterfaceHasThem) {
+// The interface drops count on the interface when asked, unless injected;
+// the early drop also reaches flow export and mirror when the interface has
+// them. The flow-export reason itself is checked with the drop core.
+TEST_F(DropFamily, InterfaceDropsCountOnTheInterfaceUnlessInjected) {
   uidb_l3_ing_fields_st features{};
   uidb_l3_ing_fields_st::ipv4::nf_en::set(features, 1);
   uidb_l3_ing_fields_st::span_en::set(features, 1);
   set_up_interface(features);
-  one([](env_t env) { early_ipv4_drop(env, TRUE); });
-  EXPECT_EQ(h.npu().placeholder_count(UNBUILT_ipv4_ing_netflow_part_1_2), 1u);
-  EXPECT_EQ(h.npu().placeholder_count(UNBUILT_span_capture_ipv4_ing), 1u);
-  EXPECT_EQ(interface_drops().packets, 1u);
-
-  // Injected: no flow export, no mirror, no interface count.
-  one([](env_t env) {
-    inject_flags_st::injected_pkt::set(*ps_put_mod_inject_flags(env), 1);
-    early_ipv4_drop(env, TRUE);
-  });
-  EXPECT_EQ(h.npu().placeholder_count(UNBUILT_ipv4_ing_netflow_part_1_2), 1u);
-  EXPECT_EQ(h.npu().placeholder_count(UNBUILT_span_capture_ipv4_ing), 1u);
-  EXPECT_EQ(interface_drops().packets, 1u);
+  struct row {
+    const char* name;
+    void (*body)(env_t);
+    counters glb;
+    model::stats_entry on_interface;  // after the row
+    std::uint64_t flow_export;        // flow-export and mirror steps reached so far
+  };
+  const row rows[] = {
+      {"l3_ing_drop", [](env_t env) { l3_ing_drop(env, FALSE, 150, 0x589); }, {0x589}, {1, 150}, 0},
+      {"injected l3_ing_drop",
+       [](env_t env) {
+         injected(env);
+         l3_ing_drop(env, FALSE, 150, 0x589);
+       },
+       {0x589},
+       {1, 150},
+       0},
+      {"early drop", [](env_t env) { early_ipv4_drop(env, TRUE); }, {0x1D8}, {2, 240}, 1},
+      {"early drop without stats", [](env_t env) { early_ipv4_drop(env, FALSE); }, {0x1D8}, {2, 240}, 2},
+      {"injected early drop",
+       [](env_t env) {
+         injected(env);
+         early_ipv4_drop(env, TRUE);
+       },
+       {0x1D8},
+       {2, 240},
+       2},
+  };
+  for (const row& r : rows) {
+    SCOPED_TRACE(r.name);
+    EXPECT_EQ(one(r.body, 90).global_counters, r.glb);
+    EXPECT_EQ(interface_drops(), r.on_interface);
+    EXPECT_EQ(h.npu().placeholder_count(UNBUILT_ipv4_ing_netflow_part_1_2), r.flow_export);
+    EXPECT_EQ(h.npu().placeholder_count(UNBUILT_span_capture_ipv4_ing), r.flow_export);
+  }
 }
 
 TEST_F(DropFamily, NetflowFormsOnlyDrop) {

@@ -73,18 +73,6 @@ TEST(PluAddress, MapsPrefixUnitAddressesToPhysicalMemory) {
   });
 }
 
-TEST(PluAddress, ReadFindsTheRecordAtTheMappedAddress) {
-  testkit::npu_harness h;
-  std::array<std::uint8_t, 32> rec;
-  rec.fill(0xA5);
-  h.npu().memory().write((std::uint64_t{0x40} << 32) | 0x08C1C000, rec);
-  h.on_thread([&](env_t env) {
-    *ps_put_mod_global_uidb_reg(env) = 0;
-    dma_plu_read_32B(env, 0x803, 0x40, 0x80);
-    EXPECT_TRUE(std::equal(rec.begin(), rec.end(), env_get_dmem_start(env) + 0x80));
-  });
-}
-
 // Seconds and low word are read so that they belong to the same second.
 TEST(Timer, TimestampPairsTheLowWordWithTheSecondItWasReadIn) {
   struct row {

@@ -58,20 +58,4 @@ TEST(SlotOwnership, SlotIsFreeOnceItsResultIsReadOrANewPassBegins) {
 
 #endif
 
-TEST(LookupDbg, TableHoldsThisThreadsCellsAndSlots) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    std::uint8_t* dmem = env_get_dmem_start(env);
-    auto res = std::find_if(lookup_dbg.res.begin(), lookup_dbg.res.end(),
-                            [](const lookup_dbg_entry_st& e) { return e.id == ID_UIDB_L3_ING__COMM; });
-    ASSERT_NE(res, lookup_dbg.res.end());
-    EXPECT_EQ(res->addr, dmem + 0x140);
-    auto req = std::find_if(lookup_dbg.req.begin(), lookup_dbg.req.end(),
-                            [](const lookup_dbg_entry_st& e) { return e.id == ID_STATS_ADD_INC_SPLIT__COMM; });
-    ASSERT_NE(req, lookup_dbg.req.end());
-    EXPECT_EQ(req->addr, reinterpret_cast<std::uint8_t*>(lookup_alloc_ref_ID_STATS_ADD_INC_SPLIT__COMM(env)));
-    for (const lookup_dbg_entry_st& e : lookup_dbg.res) EXPECT_LT(e.addr - dmem, 1024) << lookup_id_name(e.id);
-  });
-}
-
 }  // namespace

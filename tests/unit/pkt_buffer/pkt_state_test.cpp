@@ -115,8 +115,7 @@ TEST_F(PktState, MarkBitsComeFromTheInterfaceRecordIntoTheBafPart) {
     EXPECT_EQ(bytes(env->dist_hdr, env->dist_hdr + 16), bytes(16, 0x5C));
     // Word 0 takes the marks' bits 23..12 low; word 1 bits 11..4 on top, and
     // keeps the bits of 0x008FFFFF.
-    EXPECT_EQ(bytes(env->dist_hdr + 16, env->dist_hdr + 24),
-              (bytes{0x12, 0x34, 0x5A, 0xBC, 0xDE, 0x8F, 0xFF, 0xFF}));
+    EXPECT_EQ(bytes(env->dist_hdr + 16, env->dist_hdr + 24), (bytes{0x12, 0x34, 0x5A, 0xBC, 0xDE, 0x8F, 0xFF, 0xFF}));
     EXPECT_EQ(bytes(pkt_rx_uidb_mark_bits(env)->bytes, pkt_rx_uidb_mark_bits(env)->bytes + 4),
               (bytes{0x00, 0xAB, 0xCD, 0xEF}));
   });

@@ -74,8 +74,12 @@ TEST(FlowOrder, PacketsOfDifferentLocksDoNotWaitForEachOther) {
         convert_to(env, 800);
         first_may_end.wait();
         break;
-      case 2: convert_to(env, 801); break;
-      default: first_may_end.count_down(); break;
+      case 2:
+        convert_to(env, 801);
+        break;
+      default:
+        first_may_end.count_down();
+        break;
     }
     drop_packet_no_counter(env);
   });

@@ -30,12 +30,8 @@ TEST(EnableTail, FirstCallOnAnOrdinaryPacketKeepsItUnderTheFlowsTailLock) {
     enable_tail_processing(env, 0x99, tail_proc_netflow);  // the first caller's lock stands
     EXPECT_EQ(tt::tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
     EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_span | tail_proc_netflow);
-  });
-}
 
-TEST(EnableTail, InAReplicationLoopTheLoopsLockWaitsInTailFlowlockId) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
+    // In a replication loop the loop's lock waits in tail_flowlock_id.
     tt::clear_tail_state(env);
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
     *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
@@ -148,16 +144,6 @@ class TailRun : public ::testing::Test {
   testkit::npu_harness h;
 };
 
-TEST_F(TailRun, NothingOwedNothingRuns) {
-  testkit::probe_vector(h, testkit::TEST_VECTOR, [](env_t env) {
-    tail_processing_ipv4_ing(env);
-    drop_packet(env, 0x123);
-  });
-  const model::packet_outcome o = h.one(testkit::line_packet());
-  EXPECT_EQ(o.placeholder, -1);
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{0x123}));
-}
-
 TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
   struct row {
     const char* name;
@@ -166,13 +152,21 @@ TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
     std::vector<unbuilt_handler_e> order;  // the functions that run, in order
   };
   const row rows[] = {
-      {"ingress", tail_proc_netflow | tail_proc_span | tail_proc_multipass, tail_processing_ipv4_ing,
+      {"ingress",
+       tail_proc_netflow | tail_proc_span | tail_proc_multipass,
+       tail_processing_ipv4_ing,
        {UNBUILT_span_process_ing, UNBUILT_process_netflow, UNBUILT_multipass_ing_tail_proc}},
-      {"egress", tail_proc_l2_learn | tail_proc_netflow | tail_proc_li_rep__l2, tail_processing_vpls_egr,
+      {"egress",
+       tail_proc_l2_learn | tail_proc_netflow | tail_proc_li_rep__l2,
+       tail_processing_vpls_egr,
        {UNBUILT_process_netflow, UNBUILT_process_send_mac_notify_egr, UNBUILT_li_replication__l2}},
-      {"the L2 form of the ACL log comes late", tail_proc_acl_log_punt | tail_proc_li_rep__l2,
-       tail_processing_vpls_ing, {UNBUILT_li_replication__l2, UNBUILT_punt_process_acl_ing_L2}},
-      {"the inject form of lawful intercept", tail_proc_li_rep__l3 | tail_proc_li_rep__ipv6, tail_processing_inject_egr,
+      {"the L2 form of the ACL log comes late",
+       tail_proc_acl_log_punt | tail_proc_li_rep__l2,
+       tail_processing_vpls_ing,
+       {UNBUILT_li_replication__l2, UNBUILT_punt_process_acl_ing_L2}},
+      {"the inject form of lawful intercept",
+       tail_proc_li_rep__l3 | tail_proc_li_rep__ipv6,
+       tail_processing_inject_egr,
        {UNBUILT_l3_inj_egr_li_process, UNBUILT_li_replication__ipv6}},
   };
   for (const row& r : rows) {
