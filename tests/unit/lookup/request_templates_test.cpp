@@ -41,54 +41,44 @@ INSTANTIATE_TEST_SUITE_P(Entries, TemplateReads,
                                          address_read{"read4", 4, 4, 8}, address_read{"uncached16", 6, 16, 16}),
                          [](const testing::TestParamInfo<address_read>& p) { return p.param.name; });
 
-struct modulus_case {
-  std::uint32_t num;
-  std::uint32_t denom;
-  std::uint32_t rem;
-  std::uint32_t quot;
-};
+std::uint32_t word_at(env_t env, std::uint32_t loc) { return dma_cell_words(env, loc)[0].get(); }
 
-class ModulusReads : public testing::TestWithParam<modulus_case> {};
-
-// Records of 32 bytes behind tpd 7 and of 16 bytes behind tpd 6, numbered by fill.
-void write_members(testkit::npu_harness& h) {
+// Members of 32 bytes behind tpd 7 and of 16 bytes behind tpd 6, from record
+// 10 on, numbered by fill: the remainder picks the member after the first.
+TEST(ModulusReads, RemainderPicksTheMemberAfterTheFirstRecord) {
+  struct row {
+    std::uint32_t num, denom, rem, quot;
+  };
+  const row rows[] = {{10, 3, 1, 3}, {7, 8, 7, 0}, {0xFFFFFFFF, 5, 0, 0x33333333}, {4, 1, 0, 4}};
+  testkit::npu_harness h;
   for (std::uint32_t i = 0; i < 8; ++i) {
     ctrl::write_record(h.npu(), *ctrl::paged_record_address(h.npu(), 7, 10 + i),
                        live_record(static_cast<std::uint8_t>(i)));
     const record32 r = live_record(static_cast<std::uint8_t>(0x10 + i));
     ctrl::write_record(h.npu(), *ctrl::paged_record_address(h.npu(), 6, 10 + i), std::span(r).first(16));
   }
+  for (const row& c : rows) {
+    SCOPED_TRACE(testing::Message() << c.num << " / " << c.denom);
+    h.on_thread([&](env_t env) {
+      std::uint8_t* slot = env_get_dmem_start(env) + SLOT;
+      std::memset(slot, UNTOUCHED, 64);
+      lookup_mod_request(env, rtt_index(1, 9), lookup_mod_word(7, 10), c.num, c.denom, SLOT);
+      EXPECT_EQ(word_at(env, SLOT), c.rem);
+      EXPECT_EQ(word_at(env, SLOT + 4), c.quot);
+      record32 member;
+      std::memcpy(member.data(), slot + 16, member.size());
+      EXPECT_EQ(member, live_record(static_cast<std::uint8_t>(c.rem)));
+      EXPECT_EQ(slot[48], UNTOUCHED);
+
+      std::memset(slot, UNTOUCHED, 64);
+      lookup_mod_request(env, rtt_index(1, 8), lookup_mod_word(6, 10), c.num, c.denom, SLOT);
+      EXPECT_EQ(word_at(env, SLOT), c.rem);
+      EXPECT_EQ(slot[16], 0x90 + c.rem);
+      EXPECT_EQ(slot[31], 0x10 + c.rem);
+      EXPECT_EQ(slot[32], UNTOUCHED);
+    });
+  }
 }
-
-std::uint32_t word_at(env_t env, std::uint32_t loc) { return dma_cell_words(env, loc)[0].get(); }
-
-TEST_P(ModulusReads, RemainderPicksTheMemberAfterTheFirstRecord) {
-  const modulus_case& c = GetParam();
-  testkit::npu_harness h;
-  write_members(h);
-  h.on_thread([&](env_t env) {
-    std::uint8_t* slot = env_get_dmem_start(env) + SLOT;
-    std::memset(slot, UNTOUCHED, 64);
-    lookup_mod_request(env, rtt_index(1, 9), lookup_mod_word(7, 10), c.num, c.denom, SLOT);
-    EXPECT_EQ(word_at(env, SLOT), c.rem);
-    EXPECT_EQ(word_at(env, SLOT + 4), c.quot);
-    record32 member;
-    std::memcpy(member.data(), slot + 16, member.size());
-    EXPECT_EQ(member, live_record(static_cast<std::uint8_t>(c.rem)));
-    EXPECT_EQ(slot[48], UNTOUCHED);
-
-    std::memset(slot, UNTOUCHED, 64);
-    lookup_mod_request(env, rtt_index(1, 8), lookup_mod_word(6, 10), c.num, c.denom, SLOT);
-    EXPECT_EQ(word_at(env, SLOT), c.rem);
-    EXPECT_EQ(slot[16], live_record(static_cast<std::uint8_t>(0x10 + c.rem))[0]);
-    EXPECT_EQ(slot[31], 0x10 + c.rem);
-    EXPECT_EQ(slot[32], UNTOUCHED);
-  });
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, ModulusReads,
-                         testing::Values(modulus_case{10, 3, 1, 3}, modulus_case{7, 8, 7, 0},
-                                         modulus_case{0xFFFFFFFF, 5, 0, 0x33333333}, modulus_case{4, 1, 0, 4}));
 
 TEST(TemplateBuckets, BucketReadTakesTheRemainderBucket) {
   testkit::npu_harness h;

@@ -1,5 +1,4 @@
-// Shared helpers of the thread-order tests: a handler body per test on
-// vector 0, and the flags of a packet's tail state.
+// Shared helpers of the thread tests: the flags of a packet's tail state.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -38,10 +37,6 @@ inline void clear_tail_state(env_t env) {
   *ps_put_mod_next_flowlock_id(env) = 0;
   *ps_put_mod_tail_flowlock_id(env) = 0;
   *ps_put_mod_tail_proc_enables(env) = 0;
-}
-
-inline std::uint64_t reached_count(testkit::npu_harness& h, unbuilt_handler_e id) {
-  return h.npu().placeholder_count(static_cast<std::int32_t>(id));
 }
 
 }  // namespace tt
