@@ -11,17 +11,6 @@ namespace {
 
 using namespace ft;
 
-struct expect_end {
-  std::string handler;  // unbuilt handler reached, empty for none
-  counters glb;         // global counters bumped while the packet was held
-};
-
-void expect_outcome(const model::packet_outcome& o, const expect_end& e) {
-  EXPECT_EQ(o.end, model::packet_end::freed);
-  EXPECT_EQ(reached(o), e.handler);
-  EXPECT_EQ(o.global_counters, e.glb);
-}
-
 // A line packet whose decode bits let every exception vector reach its body.
 dist_hdr clean_line(std::uint32_t vector) {
   return dist_hdr::line(vector)
@@ -230,28 +219,6 @@ TEST(ExceptionVectors, IpMulticastScopeAndMacClassSelectTheBody) {
     if (r.handler.rfind("ipm", 0) != 0) {
       EXPECT_EQ(cf::mac_mismatch_drop::get(flags_after(h)), r.mac_mismatch);
     }
-  }
-}
-
-// The placeholder mechanism on its own, through whichever placeholders the
-// lists hold: the first and the last number.
-TEST(Placeholder, EndCountsThePacketUnderItsNameAndEndsEveryPass) {
-  if (UNBUILT_HANDLER_COUNT == 0) GTEST_SKIP() << "every handler is built";
-  EXPECT_EQ(unbuilt_handler_name(UNBUILT_HANDLER_COUNT), nullptr);
-  testkit::npu_harness h;
-  for (std::uint32_t id : {0u, UNBUILT_HANDLER_COUNT - 1}) {
-    ASSERT_NE(unbuilt_handler_name(id), nullptr);
-    SCOPED_TRACE(unbuilt_handler_name(id));
-    testkit::probe_vector(h, 0, [id](env_t env) {
-      cf::do_multipass::set(*ps_put_mod_common_flags(env), 1);
-      unbuilt_handler_end(env, static_cast<unbuilt_handler_e>(id));
-    });
-    const model::packet_outcome o = h.one(dist_hdr::line(0));
-    EXPECT_EQ(o.end, model::packet_end::freed);
-    EXPECT_EQ(reached(o), unbuilt_handler_name(id));
-    EXPECT_TRUE(o.global_counters.empty());
-    EXPECT_EQ(h.npu().placeholder_count(static_cast<std::int32_t>(id)), 1u);
-    EXPECT_EQ(cf::do_multipass::get(flags_after(h)), 0u) << "no further pass of an ended packet";
   }
 }
 

@@ -128,16 +128,4 @@ TEST(ThreadStart, IdentityDerivedFields) {
   }
 }
 
-TEST(ThreadStart, EachThreadOfAnNpuHasItsOwnMemories) {
-  testkit::npu_harness h(1, 2);
-  for (std::uint32_t i = 0; i < 2; ++i) {
-    h.on_thread(
-        [&](env_t env) {
-          EXPECT_EQ(*ps_get_thread_local_mem(env), h.npu().thread(i).spill.data());
-          EXPECT_EQ(env_get_dmem_start(env), h.npu().thread(i).dmem.data());
-        },
-        0, i);
-  }
-}
-
 }  // namespace

@@ -97,17 +97,6 @@ TEST(TemplateBuckets, BucketReadTakesTheRemainderBucket) {
   });
 }
 
-TEST(TemplateCounters, CounterIncrementAddsOneToItsWord) {
-  testkit::npu_harness h;
-  constexpr std::uint32_t COUNTER = 0x342200 + 3 * 4;
-  h.on_thread([&](env_t) {
-    qrsc(rtt_index(0, 9), COUNTER, 0x300, 0x300);
-    qrsc(rtt_index(0, 9), COUNTER, 0x300, 0x300);
-  });
-  EXPECT_EQ(h.npu().memory().read_u32(COUNTER), 2u);
-  EXPECT_EQ(h.npu().memory().read_u32(COUNTER + 4), 0u);
-}
-
 TEST(PageDescriptors, ControlSideRefusesWhatTheTluCannotHold) {
   testkit::npu_harness h;
   EXPECT_EQ(ctrl::write_page_descriptor(h.npu(), 64, 0x90000000, 32), ctrl::error::out_of_range);
