@@ -36,13 +36,6 @@ TEST(CopyHelpers, WordAndDoubleWordCopiesRoundUp) {
   for (const auto& [len, n] : dwords) EXPECT_EQ(copied(memcpy_dwords, len), n) << len;
 }
 
-TEST(CopyHelpers, ReverseCopyMovesAHeaderUpOverItself) {
-  buf b = counting();
-  memcpy_bytes_reverse(b.data() + 4, b.data(), 12);
-  EXPECT_EQ(std::vector<std::uint8_t>(b.begin(), b.begin() + 16),
-            (std::vector<std::uint8_t>{1, 2, 3, 4, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
-}
-
 TEST(CopyHelpers, FillsWriteBigEndianWords) {
   buf b{};
   memset_words(b.data(), 5, 0x01020304);
