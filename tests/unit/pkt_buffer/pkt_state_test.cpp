@@ -119,8 +119,6 @@ TEST_F(PktState, FabricHeaderOfAnEgressPacketStandsBehindTheShim) {
     EXPECT_EQ(npu_punt_extra_internal_hdr_len(env), 7u);
     env->dist_hdr[0] = 0xC0;  // line
     EXPECT_EQ(npu_get_fab_hdr_start(env), *ps_get_pkt_mem_start(env));
-    env->dist_hdr[18] = 0x40;  // qfill_zone 1
-    EXPECT_TRUE(pkt_ing_qfill_drop_check(env));
   });
 }
 
