@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "dplane/infra/lookup.h"
-#include "threads_test_util.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 

@@ -11,11 +11,11 @@
 
 #include "dplane/infra/drop.h"
 #include "dplane/infra/flow_order.h"
-#include "threads_test_util.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 
-using tt::cf;
+using cf = common_flags_st;
 
 // A packet of the tests carries its flow and an amount of busy work.
 std::vector<std::uint8_t> packet_payload(std::uint16_t flow, std::uint16_t work) {

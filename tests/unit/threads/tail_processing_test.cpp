@@ -4,13 +4,33 @@
 
 #include "dplane/infra/drop.h"
 #include "dplane/infra/tail_proc.h"
-#include "threads_test_util.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 
-using tt::cf;
-using tt::cf2;
-using tt::tail_state;
+using cf = common_flags_st;
+using cf2 = common_flags2_st;
+
+// The tail state of a packet: tail_processing, keep_gpm, and the two locks.
+struct tail_state {
+  std::uint32_t tail_processing, keep_gpm, next_flowlock_id, tail_flowlock_id;
+  bool operator==(const tail_state&) const = default;
+};
+
+tail_state tail_state_of(env_t env) {
+  const common_flags_st& f = *ps_get_common_flags(env);
+  return {cf::tail_processing::get(f), cf::keep_gpm::get(f), *ps_get_next_flowlock_id(env),
+          *ps_get_tail_flowlock_id(env)};
+}
+
+// An ordinary packet's flags: no tail owed, nothing kept.
+void clear_tail_state(env_t env) {
+  *ps_put_mod_common_flags(env) = {};
+  *ps_put_mod_common_flags2(env) = {};
+  *ps_put_mod_next_flowlock_id(env) = 0;
+  *ps_put_mod_tail_flowlock_id(env) = 0;
+  *ps_put_mod_tail_proc_enables(env) = 0;
+}
 
 constexpr std::uint32_t FLOWHASH = 0x1234;
 constexpr std::uint16_t TAIL_LOCK = 768 + 0x34;
@@ -19,23 +39,23 @@ constexpr std::uint16_t LOOP_LOCK = 300;
 TEST(EnableTail, FirstCallOnAnOrdinaryPacketKeepsItUnderTheFlowsTailLock) {
   testkit::npu_harness h;
   h.on_thread([](env_t env) {
-    tt::clear_tail_state(env);
+    clear_tail_state(env);
     enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    EXPECT_EQ(tt::tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
+    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
     EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_span);
     EXPECT_TRUE(is_tail_processing_enabled(env, tail_proc_span));
     EXPECT_FALSE(is_tail_processing_enabled(env, tail_proc_netflow));
 
     enable_tail_processing(env, 0x99, tail_proc_netflow);  // the first caller's lock stands
-    EXPECT_EQ(tt::tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
+    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
     EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_span | tail_proc_netflow);
 
     // In a replication loop the loop's lock waits in tail_flowlock_id.
-    tt::clear_tail_state(env);
+    clear_tail_state(env);
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
     *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
     enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    EXPECT_EQ(tt::tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, LOOP_LOCK}));
+    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, LOOP_LOCK}));
   });
 }
 
@@ -59,7 +79,7 @@ TEST(EnableTail, APassAloneOnAnUnsampledPacketBringsFlowExportUnderTheFlowRecord
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     h.on_thread([&](env_t env) {
-      tt::clear_tail_state(env);
+      clear_tail_state(env);
       cf::nf_sampled::set(*ps_put_mod_common_flags(env), r.nf_sampled);
       cf2::nf_drop_reason_set_or_nonsampled::set(*ps_put_mod_common_flags2(env), r.reason_set_or_nonsampled);
       *ps_put_mod_nf_hash(env) = NF_HASH;
@@ -88,14 +108,14 @@ TEST(DisableTail, TheOnlyFunctionTakenBackLeavesAnOrdinaryPacketOrTheLoopsLock) 
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     h.on_thread([&](env_t env) {
-      tt::clear_tail_state(env);
+      clear_tail_state(env);
       if (r.in_loop) {
         cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
         *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
       }
       enable_tail_processing(env, FLOWHASH, static_cast<tail_proc_func_e>(r.funcs));
       disable_tail_processing(env, tail_proc_span);
-      EXPECT_EQ(tt::tail_state_of(env), r.after);
+      EXPECT_EQ(tail_state_of(env), r.after);
       EXPECT_EQ(*ps_get_tail_proc_enables(env), r.enables_after);
     });
   }
@@ -118,7 +138,7 @@ TEST(TailEpilog, HandsTheBufferBackToItsLoopOrLeavesItToTheNextPass) {
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     h.on_thread([&](env_t env) {
-      tt::clear_tail_state(env);
+      clear_tail_state(env);
       common_flags_st& f = *ps_put_mod_common_flags(env);
       cf::tail_processing::set(f, 1);
       cf::keep_gpm::set(f, 1);
@@ -127,7 +147,7 @@ TEST(TailEpilog, HandsTheBufferBackToItsLoopOrLeavesItToTheNextPass) {
       *ps_put_mod_next_flowlock_id(env) = TAIL_LOCK;
       *ps_put_mod_tail_flowlock_id(env) = r.tail_lock;
       tail_processing_epilog(env, tail_proc_nsh);
-      EXPECT_EQ(tt::tail_state_of(env), r.after);
+      EXPECT_EQ(tail_state_of(env), r.after);
       EXPECT_EQ(cf::in_tail_processing::get(*ps_get_common_flags(env)), 0u);
       EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_nsh);
     });
@@ -187,7 +207,7 @@ TEST(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer) {
     *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
     enable_tail_processing(env, FLOWHASH, tail_proc_span);
     tail_processing_ipv4_ing(env);
-    after_tail = tt::tail_state_of(env);
+    after_tail = tail_state_of(env);
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 0);  // the loop's last copy
     drop_packet(env, 0x124);
   });
