@@ -4,6 +4,7 @@
 
 #include "dplane/infra/drop.h"
 #include "dplane/infra/tail_proc.h"
+#include "platform/shared/placeholder.h"
 #include "testkit/dispatch_probe.h"
 
 namespace {
