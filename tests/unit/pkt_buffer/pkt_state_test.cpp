@@ -1,5 +1,5 @@
-// The packet window: bytes remaining, head moves, the saved header, and the
-// interface's marks taken into the distribution header.
+// The packet window: the saved header and the interface's marks taken into
+// the distribution header.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -35,21 +35,6 @@ class PktState : public ::testing::Test {
     return {save, save + n};
   }
 };
-
-TEST_F(PktState, BytesRemainingAndHeadMoves) {
-  h.on_thread([](env_t env) {
-    std::uint8_t* start = arrive(env);
-    EXPECT_EQ(pkt_get_bytes_remaining(env, start + 40), 60u);
-    EXPECT_EQ(pkt_get_bytes_remaining(env, start + 100), 0u);
-    EXPECT_EQ(pkt_get_bytes_remaining(env, start + 101), 0u);
-    EXPECT_EQ(pkt_get_bytes_remaining(env, start - 8), 108u);
-    EXPECT_EQ(pkt_get_cur_offset(env, start - 8), 152);
-    EXPECT_EQ(npu_pkt_adjust_head(env, -14), start - 14);
-    EXPECT_EQ(pkt_get_rx_packet_length(env), 114u);
-    EXPECT_EQ(npu_pkt_adjust_head(env, 18), start + 4);
-    EXPECT_EQ(pkt_get_rx_packet_length(env), 96u);
-  });
-}
 
 TEST_F(PktState, SavingTheSameLengthTwiceCopiesOnce) {
   h.on_thread([](env_t env) {
@@ -108,17 +93,6 @@ TEST_F(PktState, MarkBitsComeFromTheInterfaceRecordIntoTheBafPart) {
     // Word 0 takes the marks' bits 23..12 low; word 1 bits 11..4 on top, and
     // keeps the bits of 0x008FFFFF.
     EXPECT_EQ(bytes(env->dist_hdr + 16, env->dist_hdr + 24), (bytes{0x12, 0x34, 0x5A, 0xBC, 0xDE, 0x8F, 0xFF, 0xFF}));
-  });
-}
-
-TEST_F(PktState, FabricHeaderOfAnEgressPacketStandsBehindTheShim) {
-  h.on_thread([](env_t env) {
-    std::memset(env->dist_hdr, 0, sizeof env->dist_hdr);
-    env->dist_hdr[0] = 0x40;  // fabric: ingress bit clear
-    EXPECT_EQ(npu_get_fab_hdr_start(env), *ps_get_pkt_mem_start(env) + 7);
-    EXPECT_EQ(npu_punt_extra_internal_hdr_len(env), 7u);
-    env->dist_hdr[0] = 0xC0;  // line
-    EXPECT_EQ(npu_get_fab_hdr_start(env), *ps_get_pkt_mem_start(env));
   });
 }
 
