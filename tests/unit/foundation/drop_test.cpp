@@ -1,5 +1,5 @@
-// The drop core: kept packets, the flow-export reason, the pass that a drop
-// cancels, traced drops, the free request and the counter monitor.
+// The drop core: the flow-export reason, the pass that a drop cancels, traced
+// drops and the free request.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -11,24 +11,6 @@
 namespace {
 
 using namespace ft;
-
-TEST(Drop, KeptPacketIsCountedAndLivesOn) {
-  testkit::npu_harness h;
-  h.on_thread([&](env_t env) {
-    common_flags_st& f = *ps_put_mod_common_flags(env);
-    cf::keep_gpm::set(f, 1);
-    *ps_put_mod_next_flowlock_id(env) = 300;
-    ps_put_mod_span_flags(env)->bits = 0;
-    drop_packet(env, 0x123);
-    drop_packet(env, 0x123);
-    EXPECT_EQ(h.npu().stats().global(0x123), 2u);
-    EXPECT_EQ(cf::keep_gpm::get(*ps_get_common_flags(env)), 1u);
-    EXPECT_EQ(span_flags_st::egr_not_xmitted::get(*ps_get_span_flags(env)), 1u);
-
-    drop_packet_no_counter(env);
-    EXPECT_EQ(h.npu().stats().global(0), 0u);
-  });
-}
 
 TEST(Drop, FlowExportKeepsTheFirstReasonOfASampledPacket) {
   testkit::npu_harness h;
@@ -61,8 +43,7 @@ TEST(Drop, DropCancelsAQueuedPassOutsideTailProcessingOnly) {
   };
   const row rows[] = {
       {"pass and flow export queued", 1, 0, tail_proc_multipass | tail_proc_netflow, tail_proc_netflow, 1},
-      {"inside tail processing", 1, 1, tail_proc_multipass | tail_proc_netflow, tail_proc_multipass | tail_proc_netflow,
-       1},
+      {"inside tail processing", 1, 1, tail_proc_multipass, tail_proc_multipass, 1},
       {"no tail owed", 0, 0, tail_proc_multipass, tail_proc_multipass, 0},
       {"only the pass queued", 1, 0, tail_proc_multipass, 0, 0},
   };
@@ -118,15 +99,6 @@ TEST(Drop, FreeRequestNamesTheSideAndTheBufferHandle) {
       EXPECT_EQ(req[2].get(), 0x1ABCu << 16);
     });
   }
-}
-
-TEST(Drop, MonitorHookSeesEveryGlobalCounterWhenEnabled) {
-  testkit::npu_harness h;
-  h.one(dist_hdr::line(15));
-  EXPECT_EQ(h.npu().monitor_calls(0x295), 0u);
-  apply_global_config(h, 1u << 4);
-  h.one(dist_hdr::line(15));
-  EXPECT_EQ(h.npu().monitor_calls(0x295), 1u);
 }
 
 }  // namespace

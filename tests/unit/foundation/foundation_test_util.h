@@ -28,6 +28,17 @@ inline std::string reached(const model::packet_outcome& o) {
   return name ? name : "";
 }
 
+struct expect_end {
+  std::string handler;  // unbuilt handler reached, empty for none
+  counters glb;         // global counters bumped while the packet was held
+};
+
+inline void expect_outcome(const model::packet_outcome& o, const expect_end& e) {
+  EXPECT_EQ(o.end, model::packet_end::freed);
+  EXPECT_EQ(reached(o), e.handler);
+  EXPECT_EQ(o.global_counters, e.glb);
+}
+
 inline bool has_counter(const model::packet_outcome& o, std::uint32_t n) {
   return std::find(o.global_counters.begin(), o.global_counters.end(), n) != o.global_counters.end();
 }

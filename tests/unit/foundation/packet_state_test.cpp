@@ -110,19 +110,10 @@ TEST(ThreadStart, IdentityDerivedFields) {
     std::uint32_t tlu_policy;
     std::uint32_t stack_top;
   };
-  const row rows[] = {
-      {0, 0, 0x02000000, 0x4450000},
-      {1, 0x4004, 0x02000000, 0x4450000},
-      {2, 0x8008, 0x02000000, 0x4450000},
-      {3, 0xC00C, 0x02000000, 0x4450000},
-      {4, 0, 0x02000000, 0x4450000},
-      {8, 0, 0x02000000, 0x444F140},
-      {16, 0, 0, 0x444E280},
-      {0x50, 0, 0, 0x4446C80},
-      {0x80, 0, 0x02000000, 0x444FFE0},
-      {0x9B, 0xC00C, 0x02000000, 0x444D3A0},
-      {0x10010, 0, 0, 0x444E280},
-  };
+  const row rows[] = {{0, 0, 0x02000000, 0x4450000}, {3, 0xC00C, 0x02000000, 0x4450000},
+                      {4, 0, 0x02000000, 0x4450000}, {8, 0, 0x02000000, 0x444F140},
+                      {0x50, 0, 0, 0x4446C80},       {0x9B, 0xC00C, 0x02000000, 0x444D3A0},
+                      {0x10010, 0, 0, 0x444E280}};
   testkit::npu_harness h;
   for (const row& r : rows) {
     SCOPED_TRACE("identity " + std::to_string(r.identity));
@@ -134,21 +125,6 @@ TEST(ThreadStart, IdentityDerivedFields) {
       EXPECT_EQ(*ps_get_thread_stack_top(env), r.stack_top);
       EXPECT_EQ(npu_get_thread_id(env), r.identity & 0xFFFF);
     });
-  }
-}
-
-TEST(ThreadStart, EachThreadOfAnNpuHasItsOwnReplicaAndMemories) {
-  const std::uint32_t offsets[] = {0, 0x4004, 0x8008, 0xC00C, 0};
-  testkit::npu_harness h(1, 5);
-  for (std::uint32_t i = 0; i < 5; ++i) {
-    SCOPED_TRACE("thread " + std::to_string(i));
-    h.on_thread(
-        [&](env_t env) {
-          EXPECT_EQ(*ps_get_stats_rep_offset(env), offsets[i]);
-          EXPECT_EQ(*ps_get_thread_local_mem(env), h.npu().thread(i).spill.data());
-          EXPECT_EQ(env_get_dmem_start(env), h.npu().thread(i).dmem.data());
-        },
-        0, i);
   }
 }
 

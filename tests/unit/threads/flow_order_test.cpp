@@ -11,11 +11,11 @@
 
 #include "dplane/infra/drop.h"
 #include "dplane/infra/flow_order.h"
-#include "threads_test_util.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 
-using tt::cf;
+using cf = common_flags_st;
 
 // A packet of the tests carries its flow and an amount of busy work.
 std::vector<std::uint8_t> packet_payload(std::uint16_t flow, std::uint16_t work) {
@@ -74,8 +74,12 @@ TEST(FlowOrder, PacketsOfDifferentLocksDoNotWaitForEachOther) {
         convert_to(env, 800);
         first_may_end.wait();
         break;
-      case 2: convert_to(env, 801); break;
-      default: first_may_end.count_down(); break;
+      case 2:
+        convert_to(env, 801);
+        break;
+      default:
+        first_may_end.count_down();
+        break;
     }
     drop_packet_no_counter(env);
   });

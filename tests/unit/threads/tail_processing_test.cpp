@@ -1,17 +1,37 @@
-// Tail processing: the flags and locks that enabling and disabling leave,
-// the fixed order in which the owed functions run, which of them ends the
-// packet, and the epilog that hands the buffer back or to its loop.
+// Tail processing: the flags and locks that enabling and disabling leave, the
+// order in which the owed functions run, and the epilog.
 #include <gtest/gtest.h>
 
 #include "dplane/infra/drop.h"
 #include "dplane/infra/tail_proc.h"
-#include "threads_test_util.h"
+#include "platform/shared/placeholder.h"
+#include "testkit/dispatch_probe.h"
 
 namespace {
 
-using tt::cf;
-using tt::cf2;
-using tt::tail_state;
+using cf = common_flags_st;
+using cf2 = common_flags2_st;
+
+// The tail state of a packet: tail_processing, keep_gpm, and the two locks.
+struct tail_state {
+  std::uint32_t tail_processing, keep_gpm, next_flowlock_id, tail_flowlock_id;
+  bool operator==(const tail_state&) const = default;
+};
+
+tail_state tail_state_of(env_t env) {
+  const common_flags_st& f = *ps_get_common_flags(env);
+  return {cf::tail_processing::get(f), cf::keep_gpm::get(f), *ps_get_next_flowlock_id(env),
+          *ps_get_tail_flowlock_id(env)};
+}
+
+// An ordinary packet's flags: no tail owed, nothing kept.
+void clear_tail_state(env_t env) {
+  *ps_put_mod_common_flags(env) = {};
+  *ps_put_mod_common_flags2(env) = {};
+  *ps_put_mod_next_flowlock_id(env) = 0;
+  *ps_put_mod_tail_flowlock_id(env) = 0;
+  *ps_put_mod_tail_proc_enables(env) = 0;
+}
 
 constexpr std::uint32_t FLOWHASH = 0x1234;
 constexpr std::uint16_t TAIL_LOCK = 768 + 0x34;
@@ -20,27 +40,23 @@ constexpr std::uint16_t LOOP_LOCK = 300;
 TEST(EnableTail, FirstCallOnAnOrdinaryPacketKeepsItUnderTheFlowsTailLock) {
   testkit::npu_harness h;
   h.on_thread([](env_t env) {
-    tt::clear_tail_state(env);
+    clear_tail_state(env);
     enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    EXPECT_EQ(tt::tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
+    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
     EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_span);
     EXPECT_TRUE(is_tail_processing_enabled(env, tail_proc_span));
     EXPECT_FALSE(is_tail_processing_enabled(env, tail_proc_netflow));
 
     enable_tail_processing(env, 0x99, tail_proc_netflow);  // the first caller's lock stands
-    EXPECT_EQ(tt::tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
+    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
     EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_span | tail_proc_netflow);
-  });
-}
 
-TEST(EnableTail, InAReplicationLoopTheLoopsLockWaitsInTailFlowlockId) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    tt::clear_tail_state(env);
+    // In a replication loop the loop's lock waits in tail_flowlock_id.
+    clear_tail_state(env);
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
     *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
     enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    EXPECT_EQ(tt::tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, LOOP_LOCK}));
+    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, LOOP_LOCK}));
   });
 }
 
@@ -64,7 +80,7 @@ TEST(EnableTail, APassAloneOnAnUnsampledPacketBringsFlowExportUnderTheFlowRecord
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     h.on_thread([&](env_t env) {
-      tt::clear_tail_state(env);
+      clear_tail_state(env);
       cf::nf_sampled::set(*ps_put_mod_common_flags(env), r.nf_sampled);
       cf2::nf_drop_reason_set_or_nonsampled::set(*ps_put_mod_common_flags2(env), r.reason_set_or_nonsampled);
       *ps_put_mod_nf_hash(env) = NF_HASH;
@@ -93,14 +109,14 @@ TEST(DisableTail, TheOnlyFunctionTakenBackLeavesAnOrdinaryPacketOrTheLoopsLock) 
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     h.on_thread([&](env_t env) {
-      tt::clear_tail_state(env);
+      clear_tail_state(env);
       if (r.in_loop) {
         cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
         *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
       }
       enable_tail_processing(env, FLOWHASH, static_cast<tail_proc_func_e>(r.funcs));
       disable_tail_processing(env, tail_proc_span);
-      EXPECT_EQ(tt::tail_state_of(env), r.after);
+      EXPECT_EQ(tail_state_of(env), r.after);
       EXPECT_EQ(*ps_get_tail_proc_enables(env), r.enables_after);
     });
   }
@@ -117,14 +133,13 @@ TEST(TailEpilog, HandsTheBufferBackToItsLoopOrLeavesItToTheNextPass) {
   };
   const row rows[] = {
       {"the loop's lock back", LOOP_LOCK, 0, {0, 1, LOOP_LOCK, LOOP_LOCK}},
-      {"the loop's lock back before a pass", LOOP_LOCK, 1, {0, 1, LOOP_LOCK, LOOP_LOCK}},
       {"a pass follows: the buffer stays", 0, 1, {1, 0, TAIL_LOCK, 0}},
   };
   testkit::npu_harness h;
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
     h.on_thread([&](env_t env) {
-      tt::clear_tail_state(env);
+      clear_tail_state(env);
       common_flags_st& f = *ps_put_mod_common_flags(env);
       cf::tail_processing::set(f, 1);
       cf::keep_gpm::set(f, 1);
@@ -133,7 +148,7 @@ TEST(TailEpilog, HandsTheBufferBackToItsLoopOrLeavesItToTheNextPass) {
       *ps_put_mod_next_flowlock_id(env) = TAIL_LOCK;
       *ps_put_mod_tail_flowlock_id(env) = r.tail_lock;
       tail_processing_epilog(env, tail_proc_nsh);
-      EXPECT_EQ(tt::tail_state_of(env), r.after);
+      EXPECT_EQ(tail_state_of(env), r.after);
       EXPECT_EQ(cf::in_tail_processing::get(*ps_get_common_flags(env)), 0u);
       EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_nsh);
     });
@@ -143,22 +158,8 @@ TEST(TailEpilog, HandsTheBufferBackToItsLoopOrLeavesItToTheNextPass) {
 // ---- the tail of real packets; every tail function is still unbuilt, and
 // ends its packet by a kept drop while keep_gpm is set, else by a free ----
 
-class TailRun : public ::testing::Test {
- protected:
-  testkit::npu_harness h;
-};
-
-TEST_F(TailRun, NothingOwedNothingRuns) {
-  testkit::probe_vector(h, testkit::TEST_VECTOR, [](env_t env) {
-    tail_processing_ipv4_ing(env);
-    drop_packet(env, 0x123);
-  });
-  const model::packet_outcome o = h.one(testkit::line_packet());
-  EXPECT_EQ(o.placeholder, -1);
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{0x123}));
-}
-
-TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
+// A function without a form on the path does not run: the buffer is left to the epilog.
+TEST(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
   struct row {
     const char* name;
     std::uint32_t funcs;
@@ -166,14 +167,23 @@ TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
     std::vector<unbuilt_handler_e> order;  // the functions that run, in order
   };
   const row rows[] = {
-      {"ingress", tail_proc_netflow | tail_proc_span | tail_proc_multipass, tail_processing_ipv4_ing,
+      {"ingress",
+       tail_proc_netflow | tail_proc_span | tail_proc_multipass,
+       tail_processing_ipv4_ing,
        {UNBUILT_span_process_ing, UNBUILT_process_netflow, UNBUILT_multipass_ing_tail_proc}},
-      {"egress", tail_proc_l2_learn | tail_proc_netflow | tail_proc_li_rep__l2, tail_processing_vpls_egr,
+      {"egress",
+       tail_proc_l2_learn | tail_proc_netflow | tail_proc_li_rep__l2,
+       tail_processing_vpls_egr,
        {UNBUILT_process_netflow, UNBUILT_process_send_mac_notify_egr, UNBUILT_li_replication__l2}},
-      {"the L2 form of the ACL log comes late", tail_proc_acl_log_punt | tail_proc_li_rep__l2,
-       tail_processing_vpls_ing, {UNBUILT_li_replication__l2, UNBUILT_punt_process_acl_ing_L2}},
-      {"the inject form of lawful intercept", tail_proc_li_rep__l3 | tail_proc_li_rep__ipv6, tail_processing_inject_egr,
+      {"the L2 form of the ACL log comes late",
+       tail_proc_acl_log_punt | tail_proc_li_rep__l2,
+       tail_processing_vpls_ing,
+       {UNBUILT_li_replication__l2, UNBUILT_punt_process_acl_ing_L2}},
+      {"the inject form of lawful intercept",
+       tail_proc_li_rep__l3 | tail_proc_li_rep__ipv6,
+       tail_processing_inject_egr,
        {UNBUILT_l3_inj_egr_li_process, UNBUILT_li_replication__ipv6}},
+      {"no L2 form of lawful intercept", tail_proc_li_rep__l3, tail_processing_vpls_ing, {}},
   };
   for (const row& r : rows) {
     SCOPED_TRACE(r.name);
@@ -184,30 +194,21 @@ TEST_F(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
     });
     const model::packet_outcome o = fresh.one(testkit::line_packet());
     EXPECT_EQ(o.end, model::packet_end::freed);
-    EXPECT_EQ(o.placeholder, static_cast<std::int32_t>(r.order.back())) << "the last function ends the packet";
-    for (unbuilt_handler_e f : r.order) EXPECT_EQ(tt::reached_count(fresh, f), 1u) << unbuilt_handler_name(f);
+    EXPECT_EQ(o.placeholder, r.order.empty() ? -1 : static_cast<std::int32_t>(r.order.back()))
+        << "the last function ends the packet";
+    for (unbuilt_handler_e f : r.order) EXPECT_EQ(fresh.npu().placeholder_count(f), 1u) << unbuilt_handler_name(f);
   }
 }
 
-TEST_F(TailRun, AFunctionWithoutAFormOnThePathLeavesTheBufferToTheEpilog) {
-  testkit::probe_vector(h, testkit::TEST_VECTOR, [](env_t env) {
-    enable_tail_processing(env, FLOWHASH, tail_proc_li_rep__l3);  // no L2 form
-    tail_processing_vpls_ing(env);
-  });
-  const model::packet_outcome o = h.one(testkit::line_packet());
-  EXPECT_EQ(o.end, model::packet_end::freed);
-  EXPECT_EQ(o.placeholder, -1);
-  EXPECT_TRUE(o.global_counters.empty());
-}
-
-TEST_F(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer) {
+TEST(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer) {
+  testkit::npu_harness h;
   tail_state after_tail{};
   testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
     *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
     enable_tail_processing(env, FLOWHASH, tail_proc_span);
     tail_processing_ipv4_ing(env);
-    after_tail = tt::tail_state_of(env);
+    after_tail = tail_state_of(env);
     cf::keep_gpm::set(*ps_put_mod_common_flags(env), 0);  // the loop's last copy
     drop_packet(env, 0x124);
   });
