@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <span>
 
+#include "dist_hdr.h"
 #include "model/line_parser.h"
 #include "model/table_memory.h"
-#include "dist_hdr.h"
 
 namespace fuzz {
 

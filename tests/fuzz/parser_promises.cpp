@@ -32,12 +32,9 @@ bool all_set(const hdr_t& h) {
 }
 
 bool is_clean(std::uint32_t v) { return v <= VECTOR_MPLS; }
-bool is_l3(std::uint32_t v) {
-  return is_clean(v) || (v >= VECTOR_IPV4_EXCEPTION && v <= VECTOR_MPLS_EXCEPTION);
-}
+bool is_l3(std::uint32_t v) { return is_clean(v) || (v >= VECTOR_IPV4_EXCEPTION && v <= VECTOR_MPLS_EXCEPTION); }
 bool is_l2(std::uint32_t v) {
-  return v == VECTOR_VPWS || v == VECTOR_VPLS || v == VECTOR_VPWS_EXCEPTION ||
-         v == VECTOR_VPLS_EXCEPTION;
+  return v == VECTOR_VPWS || v == VECTOR_VPLS || v == VECTOR_VPWS_EXCEPTION || v == VECTOR_VPLS_EXCEPTION;
 }
 bool is_listed(std::uint32_t v) { return v <= VECTOR_INJECT || v == VECTOR_UNPLACED; }
 
@@ -79,8 +76,7 @@ const char* interface_promise(std::uint32_t port, const hdr_t& h) {
   const std::uint32_t uidb = hdr_t::uidb_index::get(h);
   const fixture_interface* i = configured(port, uidb);
   if (uidb != 0 && !i) return "an interface that is not configured on the port";
-  if ((v == VECTOR_INJECT) != (port == INJECT_PORT))
-    return "the inject vector off the inject port, or not on it";
+  if ((v == VECTOR_INJECT) != (port == INJECT_PORT)) return "the inject vector off the inject port, or not on it";
   if (is_l2(v) && !(i && i->l2)) return "an L2 vector without an L2 interface";
   if (is_l3(v) && !(i && !i->l2)) return "an L3 vector without an L3 interface";
   if (is_l3(v) && hdr_t::l3_type::get(h) != l3_type_of(v)) return "the vector of another protocol than the L3 type";

@@ -46,9 +46,9 @@ reach called(const char* handler) { return {-1, handler}; }
 
 // The vectors whose rows the probe takes; the exception vectors keep their
 // handlers, which pick the body that the frame reaches.
-constexpr std::uint32_t PROBED_VECTORS[] = {
-    VECTOR_IPV4_UNICAST, VECTOR_IPV4_MULTICAST, VECTOR_IPV6_UNICAST, VECTOR_IPV6_MULTICAST,
-    VECTOR_MPLS,         VECTOR_VPWS,           VECTOR_VPLS,         VECTOR_L2_CONTROL};
+constexpr std::uint32_t PROBED_VECTORS[] = {VECTOR_IPV4_UNICAST,   VECTOR_IPV4_MULTICAST, VECTOR_IPV6_UNICAST,
+                                            VECTOR_IPV6_MULTICAST, VECTOR_MPLS,           VECTOR_VPWS,
+                                            VECTOR_VPLS,           VECTOR_L2_CONTROL};
 
 struct row {
   const char* what;

@@ -5,9 +5,9 @@
 
 #include <cstring>
 
+#include "dist_hdr.h"
 #include "header_bytes.h"
 #include "npu/zephra/pkt_rx.h"
-#include "dist_hdr.h"
 #include "testkit/npu_harness.h"
 
 namespace {

@@ -10,9 +10,9 @@
 #include "dplane/infra/lookup.h"
 #include "dplane/lag/lag_ing.h"
 #include "dplane/lag/lag_l3_adj_ing.h"
+#include "fab_hdr.h"
 #include "lag_test_util.h"
 #include "pktlib/packet_builder.h"
-#include "fab_hdr.h"
 
 namespace {
 

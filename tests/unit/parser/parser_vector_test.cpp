@@ -23,11 +23,11 @@ using testkit::ROUTER_MAC;
 using namespace model;
 
 enum port_no : std::uint32_t {
-  ROUTED = 1,     // IPv4, IPv6, MPLS; VLAN 100 (IPv4 only); 0x88A8 200 / 0x8100 300
-  BRIDGE = 3,     // L2 bridge port on the whole port
-  XCONNECT = 4,   // L2 cross-connect on VLAN 10
-  FORCE_L2 = 6,   // force_l2_ctrl_vector, with a routed interface
-  UNSET = 7,      // no settings
+  ROUTED = 1,    // IPv4, IPv6, MPLS; VLAN 100 (IPv4 only); 0x88A8 200 / 0x8100 300
+  BRIDGE = 3,    // L2 bridge port on the whole port
+  XCONNECT = 4,  // L2 cross-connect on VLAN 10
+  FORCE_L2 = 6,  // force_l2_ctrl_vector, with a routed interface
+  UNSET = 7,     // no settings
 };
 
 pkt::builder to_router(pkt::mac_addr dst = ROUTER_MAC) { return pkt::builder().eth(PEER_MAC, dst); }
@@ -80,7 +80,10 @@ const std::vector<row>& rows() {
       {"IPv6 from ::1", ROUTED, [] { return udp(ipv6(to_router(), "2001:db8::2", "::1")); }, VECTOR_IPV6_EXCEPTION},
       {"MPLS stack cut before its bottom", ROUTED, [] { return labelled().payload(4).truncate(14 + 6).build(); },
        VECTOR_MPLS_EXCEPTION},
-      {"multicast MPLS", ROUTED, [] { return to_router().ethertype(0x8848).raw({0, 0x64, 0x11, 64}).build(); },
+      {"multicast MPLS", ROUTED,
+       [] {
+         return to_router().ethertype(0x8848).raw({0, 0x64, 0x11, 64}).build();
+       },
        VECTOR_MPLS_EXCEPTION},
       {"IPv4 on VLAN 100", ROUTED, [] { return udp(ipv4(to_router().vlan(0x8100, 100))); }, VECTOR_IPV4_UNICAST},
       {"IPv4 on 0x88A8 200 / 300", ROUTED, [] { return udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300))); },
@@ -94,8 +97,8 @@ const std::vector<row>& rows() {
       {"a bridge group frame on a bridge port", BRIDGE,
        [] { return to_router(pkt::mac("01:80:c2:00:00:00")).ethertype(0x0026).payload(38).build(); },
        VECTOR_L2_CONTROL},
-      {"VLAN 10 with a customer tag", XCONNECT,
-       [] { return udp(ipv4(to_router().vlan(0x8100, 10).vlan(0x8100, 5))); }, VECTOR_VPWS},
+      {"VLAN 10 with a customer tag", XCONNECT, [] { return udp(ipv4(to_router().vlan(0x8100, 10).vlan(0x8100, 5))); },
+       VECTOR_VPWS},
       {"untagged beside the cross-connect", XCONNECT, [] { return udp(ipv4()); }, VECTOR_UNPLACED},
       {"LLDP on a routed port", ROUTED,
        [] { return to_router(pkt::mac("01:80:c2:00:00:0e")).ethertype(0x88cc).payload(40).build(); },

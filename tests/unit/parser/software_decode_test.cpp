@@ -105,8 +105,8 @@ TEST_F(SoftwareDecode, VxlanFormTakesIpv4AndKeepsTheDestinationClass) {
   const baf out = run(start, 14, size, [&](env_t env) { npu_ing_vxlan_pkt_decode(env, inner.data()); }).b;
   EXPECT_EQ(baf::l3_type::get(out), bufhdr_l3_type_ipv4_e);
   EXPECT_EQ(baf::v4::is_mcast::get(out), 1u);
-  for (auto get : {&baf::v4::no_more_frags::get<baf>, &baf::v4::frag_offset_0::get<baf>,
-                   &baf::v4::not_gre::get<baf>, &baf::v4::payloadlen_gte_4::get<baf>}) {
+  for (auto get : {&baf::v4::no_more_frags::get<baf>, &baf::v4::frag_offset_0::get<baf>, &baf::v4::not_gre::get<baf>,
+                   &baf::v4::payloadlen_gte_4::get<baf>}) {
     EXPECT_EQ(get(out), 1u);
   }
   EXPECT_EQ(baf::da_bits::get(out), 2u);
@@ -138,7 +138,9 @@ TEST_F(SoftwareDecode, AgreesWithTheParser) {
     EXPECT_EQ(baf::l3_offset::get(sw), baf::l3_offset::get(hw)) << i;
     EXPECT_EQ(baf::da_bits::get(sw), baf::da_bits::get(hw)) << i;  // the router's MAC, or groups
     switch (baf::l3_type::get(hw)) {
-      case bufhdr_l3_type_ipv4_e: EXPECT_EQ(baf::v4::is_mcast::get(sw), baf::v4::is_mcast::get(hw)) << i; break;
+      case bufhdr_l3_type_ipv4_e:
+        EXPECT_EQ(baf::v4::is_mcast::get(sw), baf::v4::is_mcast::get(hw)) << i;
+        break;
       case bufhdr_l3_type_ipv6_e:
         EXPECT_EQ(baf::v6::dip_is_multicast::get(sw), baf::v6::dip_is_multicast::get(hw)) << i;
         EXPECT_EQ(baf::v6::sip_is_link_local::get(sw), baf::v6::sip_is_link_local::get(hw)) << i;
@@ -146,12 +148,13 @@ TEST_F(SoftwareDecode, AgreesWithTheParser) {
         break;
       case bufhdr_l3_type_mpls_e:
         for (auto get : {&baf::mpls::mpls_num_labels::get<baf>, &baf::mpls::mpls_gt_1_label::get<baf>,
-                         &baf::mpls::mpls_inner_label_not_gal::get<baf>,
-                         &baf::mpls::mpls_outer_label_gt_15::get<baf>, &baf::mpls::mpls_ttl_gt_1::get<baf>}) {
+                         &baf::mpls::mpls_inner_label_not_gal::get<baf>, &baf::mpls::mpls_outer_label_gt_15::get<baf>,
+                         &baf::mpls::mpls_ttl_gt_1::get<baf>}) {
           EXPECT_EQ(get(sw), get(hw)) << i;
         }
         break;
-      default: break;
+      default:
+        break;
     }
   }
 }

@@ -62,23 +62,42 @@ const std::vector<row>& rows() {
        error::not_found},
       {"a second physical port interface", [](auto& i) { return i.add_physical_port(PORT, l3(0x20)).err; },
        error::exists},
-      {"VLAN 4096", [](auto& i) { return i.add_vlan_subinterface(PORT, {{0x8100, 4096}}, l3(0x20)).err; },
+      {"VLAN 4096",
+       [](auto& i) {
+         return i.add_vlan_subinterface(PORT, {{0x8100, 4096}}, l3(0x20)).err;
+       },
        error::out_of_range},
       {"a tag type that is no tag",
-       [](auto& i) { return i.add_vlan_subinterface(PORT, {{0x0800, 7}}, l3(0x20)).err; }, error::unsupported},
+       [](auto& i) {
+         return i.add_vlan_subinterface(PORT, {{0x0800, 7}}, l3(0x20)).err;
+       },
+       error::unsupported},
       {"a sub-interface without tags", [](auto& i) { return i.add_vlan_subinterface(PORT, {}, l3(0x20)).err; },
        error::bad_size},
       {"three tags",
-       [](auto& i) { return i.add_vlan_subinterface(PORT, {{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}, l3(0x20)).err; },
+       [](auto& i) {
+         return i.add_vlan_subinterface(PORT, {{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}, l3(0x20)).err;
+       },
        error::bad_size},
       {"an L2 port with three tags",
-       [](auto& i) { return i.add_l2_port(PORT, {{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}, l2(0x20)).err; },
+       [](auto& i) {
+         return i.add_l2_port(PORT, {{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}, l2(0x20)).err;
+       },
        error::bad_size},
-      {"VLAN 100 twice", [](auto& i) { return i.add_vlan_subinterface(PORT, {{0x8100, 100}}, l3(0x20)).err; },
+      {"VLAN 100 twice",
+       [](auto& i) {
+         return i.add_vlan_subinterface(PORT, {{0x8100, 100}}, l3(0x20)).err;
+       },
        error::exists},
-      {"an L2 port on VLAN 100's tags", [](auto& i) { return i.add_l2_port(PORT, {{0x88a8, 100}}, l2(0x20)).err; },
+      {"an L2 port on VLAN 100's tags",
+       [](auto& i) {
+         return i.add_l2_port(PORT, {{0x88a8, 100}}, l2(0x20)).err;
+       },
        error::exists},
-      {"a handle in use", [](auto& i) { return i.add_vlan_subinterface(PORT, {{0x8100, 7}}, l3(0x10)).err; },
+      {"a handle in use",
+       [](auto& i) {
+         return i.add_vlan_subinterface(PORT, {{0x8100, 7}}, l3(0x10)).err;
+       },
        error::exists},
       {"an update of no interface", [](auto& i) { return i.update(99, l3(0x10)); }, error::not_found},
       {"an L3 interface updated as L2", [](auto& i) { return i.update(1, l2(0x10)); }, error::unsupported},
