@@ -144,12 +144,12 @@ interface_added interfaces::add_interface(std::uint32_t port, const std::vector<
     return refused(e);
   }
   indexes_.take_at(index);
-  const entry& e =
-      entries_[index] = {{port, port_handles_.at(port), tags, *stats}, key_of(port, tags), cfg.if_handle, l2};
+  const entry& e = entries_[index] = {
+      {port, port_handles_.at(port), tags, *stats}, key_of(port, tags), cfg.if_handle, l2, marks_of(cfg, false)};
   keys_.insert(e.key);
   handles_.insert(cfg.if_handle);
   write_records(n_, index, e.place, cfg);
-  write_marks(n_, index, marks_of(cfg, false));
+  write_marks(n_, index, e.marks);
   n_.parser().set_interface(e.key, {index, l2, marks_address(index)});
   return {error::none, index, *stats};
 }
@@ -170,7 +170,21 @@ error interfaces::update_interface(std::uint16_t uidb_index, const Cfg& cfg) {
   }
   write_marks(n_, uidb_index, marks_of(cfg, true));
   write_records(n_, uidb_index, e.place, cfg);
-  write_marks(n_, uidb_index, marks_of(cfg, false));
+  e.marks = marks_of(cfg, false);
+  write_marks(n_, uidb_index, e.marks);
+  return error::none;
+}
+
+error interfaces::set_maintenance(std::uint16_t uidb_index, bool on) {
+  const auto it = entries_.find(uidb_index);
+  if (it == entries_.end()) return error::not_found;
+  mark_bits_st marks = it->second.marks;
+  if (it->second.l2) {
+    mark_bits_st::l2::uidb_maintenance_mode::set(marks, on);
+  } else {
+    mark_bits_st::l3::uidb_maintenance_mode::set(marks, on);
+  }
+  write_marks(n_, uidb_index, marks);
   return error::none;
 }
 

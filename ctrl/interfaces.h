@@ -73,6 +73,10 @@ class interfaces {
   error update(std::uint16_t uidb_index, const l3_interface& cfg);
   error update(std::uint16_t uidb_index, const l2_interface& cfg);
   error remove(std::uint16_t uidb_index);
+  // Holds an interface in maintenance mode (its frames drop at the parser's
+  // check) or lets it go, as a change of its records in progress does. The
+  // next update lets it go.
+  error set_maintenance(std::uint16_t uidb_index, bool on);
 
  private:
   struct entry {
@@ -80,6 +84,7 @@ class interfaces {
     model::parser_if_key key;
     std::uint32_t if_handle;
     bool l2;
+    mark_bits_st marks;  // as written, out of maintenance
   };
   struct tag_range {
     std::size_t min;

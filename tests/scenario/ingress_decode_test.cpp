@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "ctrl/uidb_records.h"
 #include "names/counter_names.h"
 #include "npu/zephra/pkt_rx.h"
 #include "pktlib/packet_builder.h"
@@ -184,13 +183,13 @@ void IngressDecode::set_up(line_card& c) {
   xc.if_handle = 0x41;
   xc.service = ctrl::l2_service::cross_connect;
   ifs.add_l2_port(XCONNECT, {{0x8100, 10}}, xc);
-  // Two interfaces whose records stand under change: their marks say so.
+  // Two interfaces held in maintenance mode, as while their records change.
   const ctrl::l3_interface changing = line_card::routed(0x61, true, true, true);
   const std::uint16_t l3_index = ifs.add_physical_port(CHANGING, changing).uidb_index;
-  ctrl::write_marks(c.npu(), l3_index, ctrl::marks_of(changing, true));
+  ifs.set_maintenance(l3_index, true);
   bridge.if_handle = 0x71;
   const std::uint16_t l2_index = ifs.add_l2_port(BRIDGE_CHANGING, {}, bridge).uidb_index;
-  ctrl::write_marks(c.npu(), l2_index, ctrl::marks_of(bridge, true));
+  ifs.set_maintenance(l2_index, true);
 }
 
 std::vector<std::string> labels(const std::vector<std::uint32_t>& counters) {
