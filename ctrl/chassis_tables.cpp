@@ -84,7 +84,22 @@ error chassis_tables::remove_bundle(std::uint32_t bundle_id) {
 
 error chassis_tables::map_vqi(std::uint32_t vqi, std::uint32_t npu_id) {
   if (vqi >= model::chassis::VQI_COUNT || npu_id >= npus_.size()) return error::out_of_range;
+  vqis_.take_at(vqi);
   chassis_.map_vqi(vqi, npu_id);
+  return error::none;
+}
+
+vqi_added chassis_tables::add_vqi(std::uint32_t npu_id) {
+  if (npu_id >= npus_.size()) return {error::out_of_range};
+  const std::optional<std::uint32_t> vqi = vqis_.take();
+  if (!vqi) return {error::table_full};
+  chassis_.map_vqi(*vqi, npu_id);
+  return {error::none, *vqi};
+}
+
+error chassis_tables::remove_vqi(std::uint32_t vqi) {
+  if (!vqis_.give(vqi)) return error::not_found;
+  chassis_.unmap_vqi(vqi);
   return error::none;
 }
 

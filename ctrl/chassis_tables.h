@@ -17,6 +17,11 @@
 
 namespace ctrl {
 
+struct vqi_added {
+  error err = error::none;
+  std::uint32_t vqi = 0;
+};
+
 class chassis_tables {
  public:
   explicit chassis_tables(model::chassis& chassis);
@@ -56,6 +61,12 @@ class chassis_tables {
   // Frames to vqi go to NPU npu_id. out_of_range for a VQI beyond 11 bits or
   // an NPU the chassis lacks.
   error map_vqi(std::uint32_t vqi, std::uint32_t npu_id);
+  // A VQI that no NPU serves yet, mapped to NPU npu_id: the fabric
+  // destination of a port or bundle member there. out_of_range for an NPU
+  // the chassis lacks; table_full when every VQI is taken.
+  vqi_added add_vqi(std::uint32_t npu_id);
+  // No NPU serves the VQI any more. not_found: not in use.
+  error remove_vqi(std::uint32_t vqi);
   // Frames to fabric group fgid go to each NPU of npus, which replaces the
   // group's members. out_of_range for an FGID beyond 24 bits or an NPU the
   // chassis lacks, bad_size for no NPU, exists for an NPU named twice.
@@ -70,6 +81,7 @@ class chassis_tables {
 
   model::chassis& chassis_;
   std::vector<std::unique_ptr<npu_tables>> npus_;
+  index_pool vqis_{0, model::chassis::VQI_COUNT};
 };
 
 }  // namespace ctrl

@@ -43,6 +43,7 @@ class chassis {
 
   // The fabric's map of unicast destinations: VQI (11 bits) to NPU.
   void map_vqi(std::uint32_t vqi, std::uint32_t npu_id);
+  void unmap_vqi(std::uint32_t vqi) { map_vqi(vqi, NO_NPU); }
   std::optional<std::uint32_t> npu_of_vqi(std::uint32_t vqi);
   static constexpr std::uint32_t VQI_COUNT = 2048;
   // Its map of fabric groups: FGID (24 bits) to the NPUs that each get a

@@ -70,6 +70,11 @@ void npu::map_queue_port(std::uint32_t queue_id, std::uint32_t port) {
   queue_ports_[queue_id] = port;
 }
 
+void npu::unmap_queue(std::uint32_t queue_id) {
+  std::lock_guard lock(chassis_.mutex_);
+  queue_ports_.erase(queue_id);
+}
+
 std::optional<std::uint32_t> npu::port_of_queue(std::uint32_t queue_id) {
   std::lock_guard lock(chassis_.mutex_);
   const auto it = queue_ports_.find(queue_id);

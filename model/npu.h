@@ -136,6 +136,7 @@ class npu {
   // The traffic manager's map of output queues (the line header's 16-bit
   // queue_id) to line ports.
   void map_queue_port(std::uint32_t queue_id, std::uint32_t port);
+  void unmap_queue(std::uint32_t queue_id);
   std::optional<std::uint32_t> port_of_queue(std::uint32_t queue_id);
   std::uint64_t placeholder_count(std::int32_t placeholder) const;
   std::vector<std::string> log() const;
