@@ -1,6 +1,6 @@
-// The model's request templates: reads by address, the modulus reads that
-// choose a record by remainder, bucket reads and increments. Paged reads run
-// in the record coherency tests, through the lookups that use them.
+// The model's request templates: reads by address and the modulus reads that
+// choose a record by remainder. Paged reads run in the record coherency
+// tests, through the lookups that use them.
 #include "lookup_test_util.h"
 
 namespace {
@@ -73,23 +73,6 @@ TEST(ModulusReads, RemainderPicksTheMemberAfterTheFirstRecord) {
       EXPECT_EQ(slot[32], UNTOUCHED);
     });
   }
-}
-
-TEST(TemplateBuckets, BucketReadTakesTheRemainderBucket) {
-  testkit::npu_harness h;
-  constexpr std::uint32_t FIRST_BUCKET = 0x80000000;
-  for (std::uint8_t b = 0; b < 4; ++b) {
-    const record16 bucket = {b, b, b, b, b, b, b, b, b, b, b, b, b, b, b, static_cast<std::uint8_t>(0xF0 | b)};
-    ctrl::write_record(h.npu(), FIRST_BUCKET + b * 16u, bucket);
-  }
-  h.on_thread([&](env_t env) {
-    be_u32* w = dma_cell_words(env, SLOT);
-    w[2] = 4;  // denom
-    w[3] = 6;  // num
-    qrsc(rtt_index(0, 0), FIRST_BUCKET, SLOT, SLOT);
-    EXPECT_EQ(env_get_dmem_start(env)[SLOT], 2);
-    EXPECT_EQ(env_get_dmem_start(env)[SLOT + 15], 0xF2);
-  });
 }
 
 TEST(PageDescriptors, ControlSideRefusesWhatTheTluCannotHold) {

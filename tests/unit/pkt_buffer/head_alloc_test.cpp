@@ -49,17 +49,6 @@ TEST_F(HeadAlloc, Of384TakesThreeBlocksOf385NothingAndASmallerOneNoMore) {
   });
 }
 
-TEST(HeadAllocRefused, ARefusedBlockGivesNullAndKeepsTheBlocksGranted) {
-  testkit::npu_harness h;
-  h.npu().gpb().limit_grants(1);
-  h.on_thread([&](env_t env) {
-    as_packet(env, true, 1);
-    EXPECT_EQ(npu_alloc_packet_mem(env, 300), nullptr);
-    EXPECT_EQ(blocks(env), 1u);
-  });
-  EXPECT_EQ(h.npu().gpb().requests(), 2u);
-}
-
 // The buffer engine checks each request's command, engine and segment: a
 // wrong one stops the test.
 TEST_F(HeadAlloc, EveryDirectionAndHandleReachesItsEngine) {
@@ -97,7 +86,6 @@ TEST(FeatureAreas, AreaOrDropAtTheLimits) {
       {"tbpg 17", PACKET_MEM_TBPG, 17, ALL, 1, 0, 0, {0x145}},
       {"recycle refuses any size", PACKET_MEM_RECYCLE, 1, ALL, 1, 0, 0, {0x145}},
       {"invalid feature", PACKET_MEM_INVALID, 16, ALL, 1, 0, 0, {0x299}},
-      {"unknown feature", static_cast<packet_mem_feature>(5), 16, ALL, 1, 0, 0, {0x299}},
       {"size 0", PACKET_MEM_PUNT, 0, ALL, 1, 0, 0, {0x299}},
       {"li refused second block", PACKET_MEM_LI, 80, 1, 1, 0, 2, {0x299}},
       {"punt refused", PACKET_MEM_PUNT, 96, 0, 1, 0, 1, {0x299}},

@@ -1,5 +1,5 @@
-// TCAM searches through the ITC: the range stage's header, the engine's
-// priority order and bit mask register, the multi search's answer order, the
+// TCAM searches through the ITC: the engine's priority order and bit mask
+// register, the multi search's answer order, the
 // result records, the control side's refusals, and the IGPU's exact-match
 // VLAN classification.
 #include "npu/zephra/tcam.h"
@@ -20,23 +20,6 @@ constexpr std::uint32_t KEY_LOC = REQ + TCAM_ARL_CMD_LOC + 4 + 2;  // behind the
 constexpr std::uint32_t ARL_REQ_BYTES = sizeof(tcam_arl_search400_request_st);
 constexpr std::uint32_t ACL = 5;  // profiles of 400 bits
 constexpr std::uint32_t QOS = 6;
-
-TEST(TcamRequests, TheRangeHeaderStandsTwentyBytesBeforeTheKey) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    arl_key_init_common_ING(env, dmem_at(env, KEY_LOC - 2), FALSE, 0x1234, 5, 6, 7);
-    const auto arl = record_at<arl_request_st>(env, REQ);
-    EXPECT_EQ(arl_request_st::word_0::get(arl), 4u);
-    EXPECT_EQ(arl_request_st::replacement_ptr::get(arl), 1u);
-    EXPECT_EQ(arl_request_st::range_value_3::get(arl), 0x1234u);
-    EXPECT_EQ(arl_request_st::range_value_0::get(arl), 7u);
-    arl_header_only_init_common_EGR(env, dmem_at(env, KEY_LOC - 2), TRUE);
-    EXPECT_EQ(arl_request_st::word_0::get(record_at<arl_request_st>(env, REQ)), 0u);
-    EXPECT_EQ(arl_request_st::range_value_0::get(record_at<arl_request_st>(env, REQ)), 7u);
-    arl_header_init_internal(env, dmem_at(env, KEY_LOC - 2), 3, 0x21);
-    EXPECT_EQ(arl_request_st::word_0::get(record_at<arl_request_st>(env, REQ)), (3u << 10) | (0x21u << 2));
-  });
-}
 
 key400 key_of(std::uint8_t fill) {
   key400 k;
@@ -101,20 +84,6 @@ TEST_F(TcamSearches, MultiSearchAnswersTheSecondProfileFirstAndSplitsTheFirstAdd
     EXPECT_EQ(m::hit_addr_1::get(r), 0x0042u);
     EXPECT_EQ(m::srch_hit_0::get(r), 1u);
     EXPECT_EQ(tcam_multi_hit_addr_0(r), 0x1235u);
-  });
-}
-
-TEST_F(TcamSearches, DirectSearchesTakeNoRangeHeader) {
-  std::array<std::uint8_t, 20> li{};
-  li[19] = 0x5A;
-  ASSERT_EQ(tcam().configure_profile(9, 160), ctrl::error::none);
-  ASSERT_EQ(tcam().write_entry({44, 9, li, li}), ctrl::error::none);
-  h.on_thread([&](env_t env) {
-    std::memcpy(dmem_at(env, REQ + 4), li.data(), li.size());
-    npu_tcam_lookup_160b(env, 0, 9, REQ, RESP, sizeof(tcam_search160_request_st), TCAM_DIRECT_CMD_LOC, FALSE, 0);
-    const auto r = record_at<tcam_search_response_st>(env, RESP);
-    EXPECT_EQ(tcam_search_response_st::srch_hit::get(r), 1u);
-    EXPECT_EQ(tcam_search_response_st::hit_addr::get(r), 44u);
   });
 }
 
