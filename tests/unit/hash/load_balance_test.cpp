@@ -157,7 +157,6 @@ std::vector<lb_case> cases() {
        labels_not_counted, entropy_invalid},
       {"Ethernet: the two addresses", ether, 0, tcp4, final_of(word(tcp4, 0), word(tcp4, 4), word(tcp4, 8))},
       {"L2VPN: IPv4 when the port asks", l2vpn, T7, tcp4, v4_flow(6 ^ word(tcp4, L4_4)), port_asks_l3_hash},
-      {"SPAN IPv4: no ports", span, T7 | FL, tcp4, v4_flow(0)},
       {"SPAN IPv6: no ports or label", span, T7 | FL, label, v6_flow(label, 0)},
   };
 }

@@ -88,7 +88,6 @@ TEST(FeatureAreas, AreaOrDropAtTheLimits) {
       {"invalid feature", PACKET_MEM_INVALID, 16, ALL, 1, 0, 0, {0x299}},
       {"size 0", PACKET_MEM_PUNT, 0, ALL, 1, 0, 0, {0x299}},
       {"li refused second block", PACKET_MEM_LI, 80, 1, 1, 0, 2, {0x299}},
-      {"punt refused", PACKET_MEM_PUNT, 96, 0, 1, 0, 1, {0x299}},
   };
   for (const row& c : rows) {
     SCOPED_TRACE(c.name);

@@ -53,19 +53,6 @@ TEST_F(PktState, SavingTheSameLengthTwiceCopiesOnce) {
   });
 }
 
-TEST_F(PktState, SavedCopyKeepsTheLabelAsItCame) {
-  h.on_thread([](env_t env) {
-    std::uint8_t* start = arrive(env);
-    cf::mpls_to_ip::set(*ps_put_mod_common_flags(env), 1);
-    std::memcpy(ps_put_def_orig_mpls_hdr(env)->bytes, "\x01\x02\x03\x04", 4);
-    pkt_ing_save_hdr(env, 24, start + 14);
-    bytes want(start, start + 24);
-    std::memcpy(want.data() + 14, "\x01\x02\x03\x04", 4);
-    EXPECT_EQ(saved(env, 24), want);
-    EXPECT_EQ(start[14], 14);
-  });
-}
-
 TEST_F(PktState, AdditionalSaveExtendsUpToTheEndOfTheArea) {
   h.on_thread([](env_t env) {
     std::uint8_t* start = arrive(env);

@@ -77,9 +77,6 @@ TEST_F(PluRoutes, EachFormTakesTheLongestPrefixOfItsVrfOrInterface) {
     lookup_request_ID_UC_DST_VPN_ING__IPV4(env, 0x0A010203, 7);
     lookup_wait_ID_UC_DST_VPN_ING__IPV4(env);
     EXPECT_EQ(answer_of(*lookup_result_ID_UC_DST_VPN_ING__IPV4(env)), hit(4, 32));
-    lookup_request_ID_UC_DST_VPN_ING__IPV6(env, IN_48.data(), 0);
-    lookup_wait_ID_UC_DST_VPN_ING__IPV6(env);
-    EXPECT_EQ(answer_of(*lookup_result_ID_UC_DST_VPN_ING__IPV6(env)), hit(6, 48));
   });
 }
 

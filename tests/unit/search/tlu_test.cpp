@@ -1,7 +1,6 @@
 // The TLU front end against the model: the cache policy's choice of
-// resource, reads into any memory, and the strict cache that keeps stale
-// lines until an invalidate. The modulus reads run in the request template
-// tests.
+// resource and the strict cache that keeps stale lines until an invalidate.
+// Reads by size and the modulus reads run in the request template tests.
 #include "npu/zephra/tlu.h"
 
 #include "search_test_util.h"
@@ -36,26 +35,6 @@ TEST(TluCachePolicy, PicksTheResourceWithOrWithoutAllocation) {
     h.on_thread([&](env_t env) { tlu_read_32B(env, ADDR, REQ, RESP, r.policy); }, 0, r.thread);
     EXPECT_EQ(h.npu().tlu_cache().lines(), r.allocates ? 1u : 0u) << "thread " << r.thread << " policy " << r.policy;
   }
-}
-
-TEST(TluReads, EachSizeDeliversItsBytesByAddressByPageAndIntoAnyMemory) {
-  testkit::npu_harness h;
-  const auto rec = numbered(0x10);
-  ctrl::write_record(h.npu(), ADDR, rec);
-  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR - 2 * 32, 32), ctrl::error::none);
-  h.on_thread([&](env_t env) {
-    tlu_read_4B(env, ADDR, 0, REQ, RESP, TLU_CACHE_ALWAYS);
-    EXPECT_EQ(bytes_at(env, RESP, 8), std::vector<std::uint8_t>({0x10, 0x11, 0x12, 0x13, 0, 0, 0, 0}));
-    tlu_read_32B_paging(env, 2, 9, REQ, RESP, TLU_CACHE_ALWAYS);
-    EXPECT_EQ(bytes_at(env, RESP, 32), std::vector<std::uint8_t>(rec.begin(), rec.end()));
-
-    // Reads into any memory leave the first data memory bytes as they were.
-    const auto before = bytes_at(env, 0, 32);
-    std::array<std::uint8_t, 32> out{};
-    tlu_read_32B_no_dmem(env, ADDR, out.data(), TLU_CACHE_ALWAYS);
-    EXPECT_EQ(out, rec);
-    EXPECT_EQ(bytes_at(env, 0, 32), before);
-  });
 }
 
 // Only a read with allocation fills the strict cache; a writer that
