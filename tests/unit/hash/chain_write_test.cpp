@@ -138,23 +138,6 @@ TEST_F(Chains, TheProgramsInsertTakesABucketFromItsQueueAndItsDeleteGivesItBack)
   EXPECT_EQ(free_in_queue(), 8u);
 }
 
-// The bucket write borrows the first cells of data memory, which hold the
-// distribution header, and puts them back.
-TEST_F(Chains, TheProgramsReplacePutsTheNewEntryInTheOldOnesPlaceAndLeavesTheHeader) {
-  insert(tables, t, keys, 1);
-  write_entry(h, t, ENTRY, keys[0], result_of(0x42));
-  const ctrl::hash_position_st at = tables.find(t, keys[0]).value();
-  h.on_thread([&](env_t env) {
-    std::uint8_t header[64];
-    for (std::uint32_t i = 0; i < sizeof header; ++i) header[i] = static_cast<std::uint8_t>(i);
-    std::memcpy(env_get_dmem_start(env), header, sizeof header);
-    hash_manage_context_st ctx = context_at(at.bucket, at.prev_bucket, at.index, 0);
-    EXPECT_EQ(hash_replace(env, &ctx, ENTRY), at.entry);
-    EXPECT_EQ(std::memcmp(env_get_dmem_start(env), header, sizeof header), 0);
-  });
-  EXPECT_EQ(search(h, row, keys[0]).result, result_of(0x42));
-}
-
 TEST(FullTables, AnInsertWithoutAFreeBucketOrRoomForItsEntryIsRefusedAndChangesNothing) {
   testkit::npu_harness h;
   const search_row& row = search_of("PPPOE_HASH");

@@ -144,7 +144,6 @@ std::vector<lb_case> cases() {
       {"IPv6 flow label", ipv6, FL, label, v6_flow(label, 0x12345)},
       {"IPv6 options", ipv6, T7, opts, v6_flow(opts, IFH ^ 6 ^ word(opts, L4_6 + 8))},
       {"IPv6 fragment", ipv6, T7, frag6, v6_flow(frag6, IFH ^ 17)},
-      {"IPv6 7-tuple and label", ipv6, T7 | FL, label, v6_flow(label, IFH ^ 6 ^ word(label, L4_6) ^ 0x12345)},
       {"IPv6 bad extension chain", ipv6, T7, bad6, v6_flow(bad6, IFH), nullptr, chain_not_walked},
       {"entropy label", mpls, ENTROPY, entropy, IFH - ROUTER_ID + 0xABCDE * 0x402001u, four_labels_entropy_second,
        entropy_valid},

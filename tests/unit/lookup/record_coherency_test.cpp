@@ -49,7 +49,7 @@ TEST(RecordCoherency, WaitOnAnUnprotectedTableLeavesAZeroWordAlone) {
 #ifndef NDEBUG
 // Word 0 is 0 but word 2 is not the pattern: the control plane broke the protocol.
 TEST(RecordCoherencyDeathTest, RecordWithoutThePatternTraps) {
-  use_threadsafe_death_tests();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   record32 broken = live_record(0x33);
   broken[0] = broken[1] = broken[2] = broken[3] = 0;
   broken[8] = 0x12, broken[9] = 0x34, broken[10] = 0x56, broken[11] = 0x78;

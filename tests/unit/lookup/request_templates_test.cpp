@@ -76,7 +76,7 @@ TEST(PageDescriptors, ControlSideRefusesWhatTheTluCannotHold) {
 
 #ifndef NDEBUG
 TEST(TemplateReadsDeathTest, ReadThroughAnUnsetDescriptorStops) {
-  use_threadsafe_death_tests();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(
       {
         testkit::npu_harness h;
@@ -86,7 +86,7 @@ TEST(TemplateReadsDeathTest, ReadThroughAnUnsetDescriptorStops) {
 }
 
 TEST(TemplateReadsDeathTest, ModulusByZeroStops) {
-  use_threadsafe_death_tests();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(
       {
         testkit::npu_harness h;

@@ -34,7 +34,7 @@ TEST(SlotOwnershipDeathTest, MisusedSlotStopsWithTheNamesOfItsLookups) {
       {[](env_t env) { lookup_result_ID_PORT_CONFIG_ING__L2(env); },
        "result of ID_PORT_CONFIG_ING__L2 read at 0x2E0 before any request of ID_PORT_CONFIG_ING__L2 filled it"},
   };
-  use_threadsafe_death_tests();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   for (const row& r : rows) {
     SCOPED_TRACE(r.message);
     EXPECT_DEATH(on_fresh_npu(r.body), r.message);

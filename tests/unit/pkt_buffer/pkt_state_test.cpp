@@ -12,7 +12,6 @@
 
 namespace {
 
-using cf = common_flags_st;
 using bytes = std::vector<std::uint8_t>;
 
 class PktState : public ::testing::Test {
@@ -50,21 +49,6 @@ TEST_F(PktState, SavingTheSameLengthTwiceCopiesOnce) {
     EXPECT_EQ(saved(env, 1), bytes{0x00});
     pkt_ing_save_hdr(env, 30, nullptr);
     EXPECT_EQ(saved(env, 32), bytes(start, start + 32));
-  });
-}
-
-TEST_F(PktState, AdditionalSaveExtendsUpToTheEndOfTheArea) {
-  h.on_thread([](env_t env) {
-    std::uint8_t* start = arrive(env);
-    pkt_ing_save_hdr(env, 20, nullptr);
-    pkt_ing_save_additional_hdr(env, start + 30);  // 10 bytes, rounded to 12
-    EXPECT_EQ(*ps_get_saved_pkt_hdr_len(env), 32);
-    EXPECT_EQ(saved(env, 32), bytes(start, start + 32));
-    pkt_ing_save_additional_hdr(env, start + 64);  // 32 more: the area ends at 64
-    EXPECT_EQ(*ps_get_saved_pkt_hdr_len(env), 64);
-    pkt_ing_save_additional_hdr(env, start + 65);  // no room: nothing more
-    pkt_ing_save_additional_hdr(env, start + 10);  // already saved
-    EXPECT_EQ(*ps_get_saved_pkt_hdr_len(env), 64);
   });
 }
 

@@ -26,22 +26,6 @@ TEST(GlobalCounters, CountByNumberAndCallTheMonitorOnlyWhenItIsOn) {
   EXPECT_EQ(h.npu().monitor_calls(0x66), 1u);
 }
 
-TEST(ReplicatedIndex, ResolvesToTheThreadsEntryAndAddress) {
-  const struct {
-    std::uint32_t stat_index, rep_offset, entry, address;
-  } rows[] = {{0x800010, 0x8008, 0x8018, 0x5400C0},
-              {0x800010, 0x4004, 0x4014, 0x5200A0},
-              {0x80C010, 0, 0x10, 0x500080}};  // only the low 14 bits of a relative index count
-  testkit::npu_harness h;
-  h.on_thread([&](env_t env) {
-    for (const auto& r : rows) {
-      *ps_put_mod_stats_rep_offset(env) = r.rep_offset;
-      EXPECT_EQ(compute_replicated_stats_index(env, r.stat_index), r.entry) << std::hex << r.stat_index;
-      EXPECT_EQ(compute_stats_address(env, r.stat_index), r.address) << std::hex << r.stat_index;
-    }
-  });
-}
-
 TEST(ReplicatedIndex, ThreadsCountIntoTheirOwnReplicaAndTheReaderAddsThem) {
   testkit::npu_harness h(1, 5);
   for (std::uint32_t t = 0; t < 5; ++t) {

@@ -147,11 +147,6 @@ TEST(ChassisTables, OneIndexAndOneRecordOnEveryNpu) {
       EXPECT_EQ(lag_mem_info_fields_st::bf::np_local::get(m), owners[i] == n ? 1u : 0u) << n << "/" << i;
     }
   }
-
-  ASSERT_EQ(c.add_vrf({5}), error::none);
-  ASSERT_EQ(c.add_prefix(ctrl::ipv4_prefix({5}, 0x0A000000, 8), {}), error::none);
-  EXPECT_EQ(c.add_prefix(ctrl::ipv4_prefix({5}, 0x0A000000, 8), {}), error::exists);
-  for (std::uint32_t n = 0; n < 3; ++n) EXPECT_EQ(h.npu(n).plu().routes(), 1u) << n;
 }
 
 }  // namespace
