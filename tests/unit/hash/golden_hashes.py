@@ -1,11 +1,8 @@
 #!/usr/bin/env python3
-"""Generator of the golden hash values in table_hash_test.cpp.
-
-An implementation of the table-key folds, the hash unit's lookup3 final
-step and bob_hash written from their description alone, apart from the
-program's code, so that the tests compare two independent readings. Run it
-and paste its output into the test; the test itself holds only constants.
-"""
+"""Generator of the golden hash values in table_hash_test.cpp: the table-key
+folds, the hash unit's lookup3 final step and bob_hash written from their
+description alone, apart from the program's code. Its output is pasted into
+the test, which holds only constants."""
 
 M = 0xFFFFFFFF
 D = 0xDEADBEF7
@@ -100,5 +97,5 @@ if __name__ == '__main__':
     for bits, fold in FOLDS.items():
         print(f'{{{bits}, 0x{final(*fold(COUNTING)):08X}, 0x{final(*fold(ONES)):08X}}},')
     print('unit', f'0x{final(1, 2, 3):08X}', f'0x{final(0, 0, 0):08X}', f'0x{final(M, M, M):08X}')
-    for length, seed in ((0, 0), (0, 5), (3, 7), (4, 0), (8, 1), (12, 2), (13, 3), (16, 4), (49, 0x1234)):
+    for length, seed in ((0, 5), (4, 0), (8, 1), (12, 2), (16, 4), (49, 0x1234)):
         print(f'{{{length}, 0x{seed:X}, 0x{bob(COUNTING, length, seed):08X}}},')

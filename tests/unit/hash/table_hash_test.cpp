@@ -76,9 +76,8 @@ TEST(BobHash, HashesWholeWordsOfTheKey) {
   struct bob_case {
     std::uint32_t length, seed, hash;
   };
-  const bob_case cases[] = {{0, 0, 0xDEADBEEF},  {0, 5, 0xDEADBEF4},  {3, 7, 0xDEADBEF6},
-                            {4, 0, 0x018D80A4},  {8, 1, 0x2F94A649},  {12, 2, 0x87AE92D6},
-                            {13, 3, 0xC4402DFE}, {16, 4, 0xF237A0F3}, {49, 0x1234, 0x8A674602}};
+  const bob_case cases[] = {{0, 5, 0xDEADBEF4},  {4, 0, 0x018D80A4},  {8, 1, 0x2F94A649},
+                            {12, 2, 0x87AE92D6}, {16, 4, 0xF237A0F3}, {49, 0x1234, 0x8A674602}};
   const key_bytes k = counting_key();
   for (const bob_case& c : cases) EXPECT_EQ(bob_hash(k.data(), c.length, c.seed), c.hash) << c.length;
 }

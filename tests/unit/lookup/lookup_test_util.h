@@ -46,8 +46,4 @@ inline std::uint32_t port_config_address(std::uint32_t port) {
 
 inline std::uint64_t shadow_reads(testkit::npu_harness& h) { return h.tables().stats().global(GLB_CNT_SHADOW_READ); }
 
-// Death tests run their statement in a fresh process, which the chassis's
-// threads require.
-inline void use_threadsafe_death_tests() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
-
 }  // namespace lt

@@ -1,6 +1,6 @@
-// The model's request templates: reads by address, the modulus reads that
-// choose a record by remainder, bucket reads and increments. Paged reads run
-// in the record coherency tests, through the lookups that use them.
+// The model's request templates: reads by address and the modulus reads that
+// choose a record by remainder. Paged reads run in the record coherency
+// tests, through the lookups that use them.
 #include "lookup_test_util.h"
 
 namespace {
@@ -38,8 +38,8 @@ TEST(TemplateReads, DeliverTheRecordAndNothingPastTheResponse) {
 
 std::uint32_t word_at(env_t env, std::uint32_t loc) { return dma_cell_words(env, loc)[0].get(); }
 
-// Members of 32 bytes behind tpd 7 and of 16 bytes behind tpd 6, from record
-// 10 on, numbered by fill: the remainder picks the member after the first.
+// Members of 32 bytes behind tpd 7, from record 10 on, numbered by fill: the
+// remainder picks the member after the first.
 TEST(ModulusReads, RemainderPicksTheMemberAfterTheFirstRecord) {
   struct row {
     std::uint32_t num, denom, rem, quot;
@@ -49,8 +49,6 @@ TEST(ModulusReads, RemainderPicksTheMemberAfterTheFirstRecord) {
   for (std::uint32_t i = 0; i < 8; ++i) {
     ctrl::write_record(h.npu(), *ctrl::paged_record_address(h.npu(), 7, 10 + i),
                        live_record(static_cast<std::uint8_t>(i)));
-    const record32 r = live_record(static_cast<std::uint8_t>(0x10 + i));
-    ctrl::write_record(h.npu(), *ctrl::paged_record_address(h.npu(), 6, 10 + i), std::span(r).first(16));
   }
   for (const row& c : rows) {
     SCOPED_TRACE(testing::Message() << c.num << " / " << c.denom);
@@ -64,32 +62,8 @@ TEST(ModulusReads, RemainderPicksTheMemberAfterTheFirstRecord) {
       std::memcpy(member.data(), slot + 16, member.size());
       EXPECT_EQ(member, live_record(static_cast<std::uint8_t>(c.rem)));
       EXPECT_EQ(slot[48], UNTOUCHED);
-
-      std::memset(slot, UNTOUCHED, 64);
-      lookup_mod_request(env, rtt_index(1, 8), lookup_mod_word(6, 10), c.num, c.denom, SLOT);
-      EXPECT_EQ(word_at(env, SLOT), c.rem);
-      EXPECT_EQ(slot[16], 0x90 + c.rem);
-      EXPECT_EQ(slot[31], 0x10 + c.rem);
-      EXPECT_EQ(slot[32], UNTOUCHED);
     });
   }
-}
-
-TEST(TemplateBuckets, BucketReadTakesTheRemainderBucket) {
-  testkit::npu_harness h;
-  constexpr std::uint32_t FIRST_BUCKET = 0x80000000;
-  for (std::uint8_t b = 0; b < 4; ++b) {
-    const record16 bucket = {b, b, b, b, b, b, b, b, b, b, b, b, b, b, b, static_cast<std::uint8_t>(0xF0 | b)};
-    ctrl::write_record(h.npu(), FIRST_BUCKET + b * 16u, bucket);
-  }
-  h.on_thread([&](env_t env) {
-    be_u32* w = dma_cell_words(env, SLOT);
-    w[2] = 4;  // denom
-    w[3] = 6;  // num
-    qrsc(rtt_index(0, 0), FIRST_BUCKET, SLOT, SLOT);
-    EXPECT_EQ(env_get_dmem_start(env)[SLOT], 2);
-    EXPECT_EQ(env_get_dmem_start(env)[SLOT + 15], 0xF2);
-  });
 }
 
 TEST(PageDescriptors, ControlSideRefusesWhatTheTluCannotHold) {
@@ -102,7 +76,7 @@ TEST(PageDescriptors, ControlSideRefusesWhatTheTluCannotHold) {
 
 #ifndef NDEBUG
 TEST(TemplateReadsDeathTest, ReadThroughAnUnsetDescriptorStops) {
-  use_threadsafe_death_tests();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(
       {
         testkit::npu_harness h;
@@ -112,7 +86,7 @@ TEST(TemplateReadsDeathTest, ReadThroughAnUnsetDescriptorStops) {
 }
 
 TEST(TemplateReadsDeathTest, ModulusByZeroStops) {
-  use_threadsafe_death_tests();
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(
       {
         testkit::npu_harness h;

@@ -12,7 +12,6 @@
 
 namespace {
 
-using cf = common_flags_st;
 using bytes = std::vector<std::uint8_t>;
 
 class PktState : public ::testing::Test {
@@ -50,34 +49,6 @@ TEST_F(PktState, SavingTheSameLengthTwiceCopiesOnce) {
     EXPECT_EQ(saved(env, 1), bytes{0x00});
     pkt_ing_save_hdr(env, 30, nullptr);
     EXPECT_EQ(saved(env, 32), bytes(start, start + 32));
-  });
-}
-
-TEST_F(PktState, SavedCopyKeepsTheLabelAsItCame) {
-  h.on_thread([](env_t env) {
-    std::uint8_t* start = arrive(env);
-    cf::mpls_to_ip::set(*ps_put_mod_common_flags(env), 1);
-    std::memcpy(ps_put_def_orig_mpls_hdr(env)->bytes, "\x01\x02\x03\x04", 4);
-    pkt_ing_save_hdr(env, 24, start + 14);
-    bytes want(start, start + 24);
-    std::memcpy(want.data() + 14, "\x01\x02\x03\x04", 4);
-    EXPECT_EQ(saved(env, 24), want);
-    EXPECT_EQ(start[14], 14);
-  });
-}
-
-TEST_F(PktState, AdditionalSaveExtendsUpToTheEndOfTheArea) {
-  h.on_thread([](env_t env) {
-    std::uint8_t* start = arrive(env);
-    pkt_ing_save_hdr(env, 20, nullptr);
-    pkt_ing_save_additional_hdr(env, start + 30);  // 10 bytes, rounded to 12
-    EXPECT_EQ(*ps_get_saved_pkt_hdr_len(env), 32);
-    EXPECT_EQ(saved(env, 32), bytes(start, start + 32));
-    pkt_ing_save_additional_hdr(env, start + 64);  // 32 more: the area ends at 64
-    EXPECT_EQ(*ps_get_saved_pkt_hdr_len(env), 64);
-    pkt_ing_save_additional_hdr(env, start + 65);  // no room: nothing more
-    pkt_ing_save_additional_hdr(env, start + 10);  // already saved
-    EXPECT_EQ(*ps_get_saved_pkt_hdr_len(env), 64);
   });
 }
 

@@ -7,9 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
-#include "ctrl/page_descriptors.h"
 #include "ctrl/plu_routes.h"
 #include "ctrl/protected_records.h"
 #include "dma_common.h"
@@ -27,10 +25,6 @@ Rec record_at(env_t env, std::uint32_t loc) {
   Rec r;
   std::memcpy(r.bytes, dmem_at(env, loc), sizeof r.bytes);
   return r;
-}
-
-inline std::vector<std::uint8_t> bytes_at(env_t env, std::uint32_t loc, std::size_t n) {
-  return {dmem_at(env, loc), dmem_at(env, loc) + n};
 }
 
 // A route or group leaf whose bytes all carry `tag`.

@@ -1,10 +1,9 @@
-// TCAM searches through the ITC: the range stage's header, the engine's
-// priority order and bit mask register, the multi search's answer order, the
+// TCAM searches through the ITC: the engine's priority order and bit mask
+// register, the multi search's answer order, the
 // result records, the control side's refusals, and the IGPU's exact-match
 // VLAN classification.
 #include "npu/zephra/tcam.h"
 #include "npu/zephra/arl.h"
-#include "npu/zephra/igpu.h"
 #include "npu/zephra/tlu.h"
 
 #include "ctrl/tcam_entries.h"
@@ -20,23 +19,6 @@ constexpr std::uint32_t KEY_LOC = REQ + TCAM_ARL_CMD_LOC + 4 + 2;  // behind the
 constexpr std::uint32_t ARL_REQ_BYTES = sizeof(tcam_arl_search400_request_st);
 constexpr std::uint32_t ACL = 5;  // profiles of 400 bits
 constexpr std::uint32_t QOS = 6;
-
-TEST(TcamRequests, TheRangeHeaderStandsTwentyBytesBeforeTheKey) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    arl_key_init_common_ING(env, dmem_at(env, KEY_LOC - 2), FALSE, 0x1234, 5, 6, 7);
-    const auto arl = record_at<arl_request_st>(env, REQ);
-    EXPECT_EQ(arl_request_st::word_0::get(arl), 4u);
-    EXPECT_EQ(arl_request_st::replacement_ptr::get(arl), 1u);
-    EXPECT_EQ(arl_request_st::range_value_3::get(arl), 0x1234u);
-    EXPECT_EQ(arl_request_st::range_value_0::get(arl), 7u);
-    arl_header_only_init_common_EGR(env, dmem_at(env, KEY_LOC - 2), TRUE);
-    EXPECT_EQ(arl_request_st::word_0::get(record_at<arl_request_st>(env, REQ)), 0u);
-    EXPECT_EQ(arl_request_st::range_value_0::get(record_at<arl_request_st>(env, REQ)), 7u);
-    arl_header_init_internal(env, dmem_at(env, KEY_LOC - 2), 3, 0x21);
-    EXPECT_EQ(arl_request_st::word_0::get(record_at<arl_request_st>(env, REQ)), (3u << 10) | (0x21u << 2));
-  });
-}
 
 key400 key_of(std::uint8_t fill) {
   key400 k;
@@ -104,20 +86,6 @@ TEST_F(TcamSearches, MultiSearchAnswersTheSecondProfileFirstAndSplitsTheFirstAdd
   });
 }
 
-TEST_F(TcamSearches, DirectSearchesTakeNoRangeHeader) {
-  std::array<std::uint8_t, 20> li{};
-  li[19] = 0x5A;
-  ASSERT_EQ(tcam().configure_profile(9, 160), ctrl::error::none);
-  ASSERT_EQ(tcam().write_entry({44, 9, li, li}), ctrl::error::none);
-  h.on_thread([&](env_t env) {
-    std::memcpy(dmem_at(env, REQ + 4), li.data(), li.size());
-    npu_tcam_lookup_160b(env, 0, 9, REQ, RESP, sizeof(tcam_search160_request_st), TCAM_DIRECT_CMD_LOC, FALSE, 0);
-    const auto r = record_at<tcam_search_response_st>(env, RESP);
-    EXPECT_EQ(tcam_search_response_st::srch_hit::get(r), 1u);
-    EXPECT_EQ(tcam_search_response_st::hit_addr::get(r), 44u);
-  });
-}
-
 TEST_F(TcamSearches, RefusalsLeaveTheEntriesAsTheyWere) {
   entry(2, ACL, key_of(0x11), key_of(0xFF));
   EXPECT_EQ(tcam().write_entry({1, ACL, key_of(0x11), key_of(0x0F)}), ctrl::error::mask_value_mismatch);
@@ -148,46 +116,6 @@ TEST_F(TcamSearches, ResultRecordsCarryTheCoherencyBitAndChangeThroughTheForward
   h.npu().memory().read(ctrl::shadow_address(0x40000 + 0x1235), shadow);
   EXPECT_EQ(shadow[0], 0x80);
   EXPECT_EQ(shadow[31], 1);
-}
-
-using req = igpu_resp_match_request_;
-using resp = igpu_resp_match_response_;
-
-req two_tags(std::uint32_t outer, std::uint32_t inner) {
-  req r{};
-  req::first_vlan_id::set(r, outer);
-  req::second_vlan_id::set(r, inner);
-  req::bundle_logical_port_upper::set(r, 0x3);
-  req::bundle_logical_port_lower::set(r, 0x21);
-  req::frame_type::set(r, 2);
-  return r;
-}
-
-resp classify(testkit::npu_harness& h, const req& r) {
-  resp out{};
-  h.on_thread([&](env_t env) {
-    std::memcpy(dmem_at(env, REQ), r.bytes, sizeof r.bytes);
-    igpu_launch_vlan_classification_lookup(env, REQ, RESP);
-    out = record_at<resp>(env, RESP);
-  });
-  return out;
-}
-
-TEST(Igpu, AMatchAnswersTheInterfaceAndItsMarks) {
-  testkit::npu_harness h;
-  EXPECT_EQ(h.tables().tcam().write_igpu_entry(two_tags(100, 200), 1, 0x100000), ctrl::error::out_of_range);
-  EXPECT_EQ(h.tables().tcam().delete_igpu_entry(two_tags(100, 200)), ctrl::error::not_found);
-  EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 200))), 0u);
-  ASSERT_EQ(h.tables().tcam().write_igpu_entry(two_tags(100, 200), 0x1234, 0xABCDE), ctrl::error::none);
-  req asked = two_tags(100, 200);
-  req::reserved_1::set(asked, 0xFFFF);  // not compared
-  const resp hit = classify(h, asked);
-  EXPECT_EQ(resp::result::get(hit), 1u);
-  EXPECT_EQ(resp::uidb_index::get(hit), 0x1234u);
-  EXPECT_EQ(resp::mark_bits::get(hit), 0xABCDEu);
-  EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 201))), 0u);
-  ASSERT_EQ(h.tables().tcam().delete_igpu_entry(two_tags(100, 200)), ctrl::error::none);
-  EXPECT_EQ(resp::result::get(classify(h, two_tags(100, 200))), 0u);
 }
 
 #ifndef NDEBUG

@@ -1,7 +1,6 @@
 // The TLU front end against the model: the cache policy's choice of
-// resource, reads into any memory, the modulus command and its member
-// reads, paged translation, and the strict cache that keeps stale lines
-// until an invalidate.
+// resource and the strict cache that keeps stale lines until an invalidate.
+// Reads by size and the modulus reads run in the request template tests.
 #include "npu/zephra/tlu.h"
 
 #include "search_test_util.h"
@@ -36,71 +35,6 @@ TEST(TluCachePolicy, PicksTheResourceWithOrWithoutAllocation) {
     h.on_thread([&](env_t env) { tlu_read_32B(env, ADDR, REQ, RESP, r.policy); }, 0, r.thread);
     EXPECT_EQ(h.npu().tlu_cache().lines(), r.allocates ? 1u : 0u) << "thread " << r.thread << " policy " << r.policy;
   }
-}
-
-TEST(TluReads, EachSizeDeliversItsBytesByAddressByPageAndIntoAnyMemory) {
-  testkit::npu_harness h;
-  const auto rec = numbered(0x10);
-  const auto first = [&](std::size_t n) { return std::vector<std::uint8_t>(rec.begin(), rec.begin() + n); };
-  ctrl::write_record(h.npu(), ADDR, rec);
-  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR - 2 * 32, 32), ctrl::error::none);
-  h.on_thread([&](env_t env) {
-    tlu_read_4B(env, ADDR, 0, REQ, RESP, TLU_CACHE_ALWAYS);
-    EXPECT_EQ(bytes_at(env, RESP, 8), std::vector<std::uint8_t>({0x10, 0x11, 0x12, 0x13, 0, 0, 0, 0}));
-    tlu_read_16B(env, ADDR, 0, REQ, RESP, TLU_CACHE_PERIODIC);
-    EXPECT_EQ(bytes_at(env, RESP, 16), first(16));
-    tlu_read_32B_paging(env, 2, 9, REQ, RESP, TLU_CACHE_ALWAYS);
-    EXPECT_EQ(bytes_at(env, RESP, 32), first(32));
-
-    // Reads into any memory leave the first data memory bytes as they were.
-    const auto before = bytes_at(env, 0, 32);
-    std::array<std::uint8_t, 32> out{};
-    tlu_read_32B_no_dmem(env, ADDR, out.data(), TLU_CACHE_ALWAYS);
-    EXPECT_EQ(out, rec);
-    tlu_read_16B_no_dmem(env, ADDR + 16, 0, out.data(), TLU_CACHE_NEVER);
-    EXPECT_TRUE(std::equal(out.begin(), out.begin() + 16, rec.begin() + 16));
-    EXPECT_EQ(bytes_at(env, 0, 32), before);
-  });
-}
-
-// Members of 16 and 32 bytes from ADDR, member i of 32 bytes filled from 0x20 * i.
-TEST(TluMod, MemberReadsTakeTheRemainderThMember) {
-  testkit::npu_harness h;
-  for (std::uint8_t i = 0; i < 4; ++i) ctrl::write_record(h.npu(), ADDR + 32u * i, numbered(0x20 * i));
-  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 9, ADDR, 16), ctrl::error::none);
-  const tlu_mod_operands_st seven_by_four{4, 7};  // remainder 3
-  h.on_thread([&](env_t env) {
-    const tlu_mod_loc_st loc{REQ, RESP, TLU_CACHE_ALWAYS};
-    tlu_mod_return_result_read_32B_of_32B(env, ADDR, RES_TLU_DIV, seven_by_four, loc);
-    EXPECT_EQ(tlu_long_div_rmr_response_::mod_rem::get(record_at<tlu_long_div_rmr_response_>(env, RESP)), 3u);
-    const auto member3 = numbered(0x60);
-    EXPECT_EQ(bytes_at(env, RESP + 8, 32), std::vector<std::uint8_t>(member3.begin(), member3.end()));
-
-    tlu_mod_read_16B(env, ADDR, RES_TLU_DIV, seven_by_four, loc);  // 16-byte members: the second half of member 1
-    EXPECT_EQ(*dmem_at(env, RESP), 0x30);
-
-    tlu_mod_return_result_read_16B_paging(env, 1, 9, seven_by_four, loc);  // record 1 + 3 of 16 bytes
-    EXPECT_EQ(tlu_long_div_rmr_response_::mod_quot::get(record_at<tlu_long_div_rmr_response_>(env, RESP)), 1u);
-    EXPECT_EQ(*dmem_at(env, RESP + 8), 0x40);
-
-    tlu_mod_read_4B(env, ADDR, RES_TLU_DIV, {4, 6}, loc);  // remainder 2: the third word
-    EXPECT_EQ(bytes_at(env, RESP, 4), std::vector<std::uint8_t>({0x08, 0x09, 0x0A, 0x0B}));
-  });
-}
-
-TEST(TluTranslation, PagedTranslationGivesTheRecordOrTheDescriptorError) {
-  testkit::npu_harness h;
-  ASSERT_EQ(ctrl::write_page_descriptor(h.npu(), 20, ADDR, 32), ctrl::error::none);
-  h.on_thread([&](env_t env) {
-    tmu_lpa_paging(env, 5, 20, REQ, RESP);
-    EXPECT_FALSE(tmu_lpa_paging_failed(env, RESP));
-    EXPECT_EQ(tmu_lpa_paging_get_lo(env, RESP), ADDR + 5 * 32);
-    EXPECT_EQ(tmu_lpa_paging_get_hi(env, RESP), 0u);
-    tmu_lpa_paging(env, 5, 9, REQ, RESP);  // no descriptor 9
-    EXPECT_TRUE(tmu_lpa_paging_failed(env, RESP));
-    tmu_lpa(env, ADDR, RES_TLU_DIV, REQ, RESP);
-    EXPECT_EQ(tmu_lpa_get_lo(env, RESP), ADDR);
-  });
 }
 
 // Only a read with allocation fills the strict cache; a writer that

@@ -7,12 +7,6 @@
 #include "dplane/infra/lookup.h"
 #include "testkit/npu_harness.h"
 
-namespace model {
-inline void PrintTo(const stats_entry& e, std::ostream* os) {
-  *os << "{" << e.packets << " packets, " << e.bytes << " bytes}";
-}
-}  // namespace model
-
 namespace {
 
 using model::stats_entry;
@@ -30,23 +24,6 @@ TEST(GlobalCounters, CountByNumberAndCallTheMonitorOnlyWhenItIsOn) {
   });
   EXPECT_EQ(h.tables().stats().global(0x66), 2u);
   EXPECT_EQ(h.npu().monitor_calls(0x66), 1u);
-}
-
-TEST(ReplicatedIndex, ResolvesToTheThreadsEntryAndAddress) {
-  const struct {
-    std::uint32_t stat_index, rep_offset, entry, address;
-  } rows[] = {{0x800010, 0x8008, 0x8018, 0x5400C0},
-              {0x10, 0x8008, 0x10, 0x500080},
-              {0x800010, 0x4004, 0x4014, 0x5200A0},
-              {0x80C010, 0, 0x10, 0x500080}};  // only the low 14 bits of a relative index count
-  testkit::npu_harness h;
-  h.on_thread([&](env_t env) {
-    for (const auto& r : rows) {
-      *ps_put_mod_stats_rep_offset(env) = r.rep_offset;
-      EXPECT_EQ(compute_replicated_stats_index(env, r.stat_index), r.entry) << std::hex << r.stat_index;
-      EXPECT_EQ(compute_stats_address(env, r.stat_index), r.address) << std::hex << r.stat_index;
-    }
-  });
 }
 
 TEST(ReplicatedIndex, ThreadsCountIntoTheirOwnReplicaAndTheReaderAddsThem) {
@@ -116,27 +93,6 @@ TEST(PoolCounters, PoolCountAddsNoBytesAndReadClearEmptiesTheEntry) {
     EXPECT_EQ(got.bytes.get(), 300u);
   });
   EXPECT_EQ(entry(h, 0x42), (stats_entry{}));
-}
-
-TEST(CounterHelpers, PhysicalAndTluFormsReachTheSameCounters) {
-  testkit::npu_harness h;
-  constexpr std::uint32_t CELL = 0x300;
-  h.on_thread([](env_t env) {
-    stats_inc_64(env, STATS_GLB_CNT_BASE + 0x77 * 8, CELL);
-    stats_inc_32(env, STATS_GLB_CNT_BASE + 0x77 * 8, CELL);
-    stats_addinc_64_tlu(env, compute_final_stats_address(env, 0x55), 300, RES_TLU_LONG_WRITE, CELL);
-    stats_inc_64_tlu(env, compute_final_stats_address(env, 0x55), RES_TLU_LONG_WRITE, CELL);
-    be_u32* w = dma_cell_words(env, CELL);
-    w[0] = 0x000F010A;  // add and increment
-    w[2] = 40;
-    stats_addinc_32_issue(env, compute_final_stats_address(env, 0x56), env_get_dmem_start(env) + CELL, CELL);
-    stats_read_clear64(env, 0x56, CELL, 0x310);
-    EXPECT_EQ(dma_cell_words(env, 0x310)[0].get(), 1u);
-    EXPECT_EQ(dma_cell_words(env, 0x310)[1].get(), 40u);
-  });
-  EXPECT_EQ(h.tables().stats().global(0x77), 2u);
-  EXPECT_EQ(entry(h, 0x55), (stats_entry{2, 300}));
-  EXPECT_EQ(entry(h, 0x56), (stats_entry{}));
 }
 
 #ifndef NDEBUG

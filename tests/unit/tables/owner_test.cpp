@@ -62,15 +62,6 @@ ctrl::l3_interface l3(std::uint32_t handle) {
 std::vector<refusal> refusals() {
   const bytes chain(16, 0xAA);
   return {
-      {"an interface on a port not set up", [](auto& c) { return c.npu(0).ifs().add_physical_port(7, l3(0x50)).err; },
-       error::not_found},
-      {"a sub-interface without tags",
-       [](auto& c) { return c.npu(0).ifs().add_vlan_subinterface(PORT, {}, l3(0x50)).err; }, error::bad_size},
-      {"a VLAN ID past 12 bits",
-       [](auto& c) {
-         return c.npu(0).ifs().add_vlan_subinterface(PORT, {{0x8100, 0x1000}}, l3(0x50)).err;
-       },
-       error::out_of_range},
       {"a removal of no interface", [](auto& c) { return c.npu(0).ifs().remove(1); }, error::not_found},
       {"a chain record never allocated", [=](auto& c) { return c.npu(0).records().write(ctrl::rldi_id{1}, chain); },
        error::not_found},
@@ -92,10 +83,6 @@ std::vector<refusal> refusals() {
          return c.write_bundle(BUNDLE, two_members(), {{0, 2}});
        },
        error::out_of_range},
-      {"a prefix longer than 32 bits", [](auto& c) { return c.add_prefix(ctrl::ipv4_prefix({0}, 0x0A000000, 33), {}); },
-       error::bad_prefix_length},
-      {"a prefix in a VRF not added", [](auto& c) { return c.add_prefix(ctrl::ipv4_prefix({4}, 0x0A000000, 8), {}); },
-       error::unknown_vrf},
   };
 }
 
@@ -160,11 +147,6 @@ TEST(ChassisTables, OneIndexAndOneRecordOnEveryNpu) {
       EXPECT_EQ(lag_mem_info_fields_st::bf::np_local::get(m), owners[i] == n ? 1u : 0u) << n << "/" << i;
     }
   }
-
-  ASSERT_EQ(c.add_vrf({5}), error::none);
-  ASSERT_EQ(c.add_prefix(ctrl::ipv4_prefix({5}, 0x0A000000, 8), {}), error::none);
-  EXPECT_EQ(c.add_prefix(ctrl::ipv4_prefix({5}, 0x0A000000, 8), {}), error::exists);
-  for (std::uint32_t n = 0; n < 3; ++n) EXPECT_EQ(h.npu(n).plu().routes(), 1u) << n;
 }
 
 }  // namespace
