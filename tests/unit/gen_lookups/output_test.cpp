@@ -47,16 +47,6 @@ TEST(Output, ProtectedReadsWaitOnTheirRecordAndOthersDoNot) {
   EXPECT_TRUE(contains(ops, "qrsc(rtt_index(0, 2), 0x81540C00u + index * 16u, 0x020, 0x020);"));
 }
 
-TEST(Output, ViewsShareTheirLookupsWaitAndSlot) {
-  const std::string ops = emitted(generate("EGR_PORT_PART1__IPV4 slot=0x0A0 type=part1 live=g\n"
-                                           "EGR_PORT_PART2__IPV4 view=EGR_PORT_PART1__IPV4 slot=0x0B0 type=part2\n"))
-                              .ops_header;
-  EXPECT_TRUE(contains(ops,
-                       "inline void lookup_wait_cohfail_ID_EGR_PORT_PART2__IPV4(env_t env) { "
-                       "lookup_wait_cohfail_ID_EGR_PORT_PART1__IPV4(env); }"));
-  EXPECT_FALSE(contains(ops, "lookup_request_ID_EGR_PORT_PART2__IPV4"));
-}
-
 TEST(Output, TableAddressesForTheControlSide) {
   const std::string tables = emitted(generate("")).tables_header;
   EXPECT_TRUE(contains(tables, "TPD_IDX_L3_NRLDI_ING = 7;"));
@@ -80,15 +70,6 @@ TEST(Output, HashSearchRowGivesItsLookupsAndItsTable) {
   EXPECT_TRUE(contains(out.tables_header,
                        "HASH_TABLE_MPLS_RPF = {\"MPLS_RPF\", 31, 32, HASH_SPACE_A_BASE, HASH_SPACE_A_BUCKETS, "
                        "8, 16, false, false};"));
-}
-
-TEST(Output, LockRowsUseTheFamilysBitmapAndCell) {
-  const gen::outputs out =
-      emitted(generate("MAC_LOCK__MN__ACQUIRE cell=0x020 live=g\nMAC_LOCK__MN__RELEASE cell=0x020 live=g\n"));
-  EXPECT_TRUE(contains(out.ops_header,
-                       "bitmap_lock_acquire(env, {ID_MAC_LOCK__MN__ACQUIRE, LOCK_BITMAP_MAC, 0x020}, "
-                       "mac_lock_bitmap_hash(lock_id, LOCK_BITS_MAC), wait);"));
-  EXPECT_TRUE(contains(out.tables_header, "LOCK_BITMAP_MAC = 0x404C8A10;\n"));
 }
 
 }  // namespace

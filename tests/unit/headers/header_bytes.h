@@ -21,17 +21,6 @@ bytes bytes_of(const R& rec) {
   return {p, p + sizeof(R)};
 }
 
-// The nonzero bytes of a record, by position.
-template <class R>
-byte_map nonzero(const R& rec) {
-  byte_map m;
-  const auto* p = reinterpret_cast<const std::uint8_t*>(&rec);
-  for (std::size_t i = 0; i < sizeof(R); ++i) {
-    if (p[i]) m[i] = p[i];
-  }
-  return m;
-}
-
 // An n-byte header of zeros but for `set`.
 inline bytes with(std::size_t n, const byte_map& set) {
   bytes b(n, 0);
