@@ -103,18 +103,6 @@ TEST_F(FabHdrOnThread, Ipv4UnicastHeaderOfTheIngressPath) {
   });
 }
 
-TEST(FabHdrWrite, QosBitWritersKeepTheOtherBits) {
-  std::array<std::uint8_t, 32> fab{};
-  plat_set_fab_hdr_ipv4_uni_qos_info(fab.data(), 0xFFFF);
-  plat_fab_hdr_write_qos_cos(fab.data(), 0);
-  EXPECT_EQ(plat_get_fab_hdr_ipv4_uni_qos_info(fab.data()), 0x1FFFu);
-  plat_fab_hdr_write_qos_discard_class(fab.data(), 2);
-  EXPECT_EQ(plat_get_fab_hdr_ipv4_uni_qos_info(fab.data()), 0x15FFu);
-  plat_fab_hdr_write_qos_group(fab.data(), 0);
-  EXPECT_EQ(fab[10], 0xC0);
-  EXPECT_EQ(fab[11], 0x15);
-}
-
 TEST_F(FabHdrOnThread, UnicastBackupRebuildsTheHeaderAheadOfTheL3Header) {
   struct row {
     std::uint32_t type;

@@ -61,21 +61,15 @@ TEST(FabHdrGolden, FabricGroupSpreadsOverTheFixedPartAndTheExtension) {
   EXPECT_EQ(h, with(44, {{14, 0xAB}, {15, 0xC0}, {22, 0x0D}, {23, 0xEF}}));
 }
 
-TEST(FabHdrGolden, L2UnicastWithTheBridgeDomainInTheFixedPart) {
-  bytes h =
-      written(32,
-              {TYPE, LENGTH, plat_set_fab_hdr_l2_uni_bd_id, plat_set_fab_hdr_l2_uni_lag_id,
-               plat_set_fab_hdr_l2_uni_l2_encaps_sz, plat_set_fab_hdr_l2_uni_xid_learn_key,
-               plat_set_fab_hdr_l2_uni_control_word_from_my_bmac, plat_set_fab_hdr_l2_uni_etree_leaf,
-               plat_set_fab_hdr_l2_uni_sxid, plat_set_fab_hdr_l2_uni_dxid, plat_set_fab_hdr_l2_uni_rack_id,
-               plat_set_fab_hdr_l2_uni_shg, plat_set_fab_hdr_l2_uni_cfm, plat_set_fab_hdr_l2_uni_igmp,
-               plat_set_fab_hdr_l2_uni_cfm_ltm_remote_rack, plat_set_fab_hdr_l2_uni_prot_flags_0_1},
-              {NPH_TYPE_L2_UNI, NPH_LENGTH_32, 0x9234, 7, 18, 255, 1, 1, 0x01020304, 0xA1B2C3D4, 0xA, 5, 1, 1, 1, 3});
-  const byte_map h_golden = {{5, 0x08},  {6, 0x34},  {7, 0x12},  {8, 0x07},  {9, 0x0C},  {12, 0x07}, {13, 0x12},
-                             {14, 0xFF}, {15, 0x42}, {16, 0x04}, {17, 0x03}, {18, 0x02}, {19, 0x01}, {24, 0xD4},
-                             {25, 0xC3}, {26, 0xB2}, {27, 0xA1}, {28, 0xA5}, {30, 0xA7}};
-  EXPECT_EQ(h, with(32, h_golden));
+// The bridge domain's bit 15 stands in dc3_mgid_15; the wide form holds all
+// 24 bits, low byte first, behind the base header.
+TEST(FabHdrGolden, BridgeDomainOfTheL2UnicastForms) {
+  bytes h = written(32, {TYPE, LENGTH, plat_set_fab_hdr_l2_uni_bd_id}, {NPH_TYPE_L2_UNI, NPH_LENGTH_32, 0x9234});
+  EXPECT_EQ(h, with(32, {{5, 0x08}, {6, 0x34}, {7, 0x12}, {8, 0x07}, {9, 0x0C}}));
   EXPECT_EQ(plat_get_fab_hdr_l2_uni_bd_id(h.data()), 0x9234u);
+  h = written(38, {TYPE, LENGTH, plat_set_fab_hdr_l2_uni_bd_id}, {NPH_TYPE_L2_UNI_PLUS, NPH_LENGTH_38, 0x123456});
+  EXPECT_EQ(h, with(38, {{8, 0x25}, {9, 0x0F}, {35, 0x56}, {36, 0x34}, {37, 0x12}}));
+  EXPECT_EQ(plat_get_fab_hdr_l2_uni_bd_id(h.data()), 0x123456u);
 }
 
 TEST(FabHdrGolden, PwheVpathUnicastExtension) {

@@ -1,7 +1,10 @@
 // The parser's vector rules, one frame each from the packet builder, on a
 // line card whose ports and interfaces the control side set up. The clean
-// frame of each kind and the first exception of each protocol stand in the
-// ingress scenario, which follows them on to their handler or counter.
+// frame of each kind, the first exception of each protocol and the frames
+// that miss every interface stand in the ingress scenario, which follows them
+// on to their handler or counter; a header that fails a decode bit stands in
+// the decode-bit table, and the fuzz target's checks hold every clean vector
+// to a header that passes.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -45,7 +48,6 @@ struct row {
   std::uint32_t port;
   std::function<bytes()> frame;
   std::uint32_t vector;
-  bool valid = true;
 };
 
 void PrintTo(const row& r, std::ostream* os) { *os << r.what; }
@@ -59,11 +61,6 @@ const std::vector<row>& rows() {
       {"IPv4 multicast to another group's MAC", ROUTED,
        [] { return udp(ipv4(to_router(pkt::mac("01:00:5e:01:02:04")), "239.1.2.3")); }, VECTOR_IPV4_EXCEPTION},
       {"IPv4 with options", ROUTED, [] { return udp(ipv4().ip_option(1)); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 with TTL 0", ROUTED, [] { return udp(ipv4().ttl(0)); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 header cut short", ROUTED, [] { return ipv4().udp(1, 2).truncate(14 + 12).build(); },
-       VECTOR_IPV4_EXCEPTION},
-      {"IPv4 total length beyond the frame", ROUTED, [] { return udp(ipv4().total_length(200)); },
-       VECTOR_IPV4_EXCEPTION},
       {"IPv4 from a loopback source", ROUTED,
        [] { return udp(to_router().ipv4(pkt::ip4("127.0.0.1"), pkt::ip4("192.0.2.1"))); }, VECTOR_IPV4_EXCEPTION},
       {"IPv6 multicast to its group's MAC", ROUTED,
@@ -72,10 +69,6 @@ const std::vector<row>& rows() {
        [] { return udp(ipv6(to_router(pkt::mac("33:33:ff:00:00:05")), "ff02::1:ff00:5", "::")); },
        VECTOR_IPV6_MULTICAST},
       {"IPv6 from :: to a unicast address", ROUTED, [] { return udp(ipv6(to_router(), "2001:db8::2", "::")); },
-       VECTOR_IPV6_EXCEPTION},
-      {"IPv6 header cut short", ROUTED, [] { return ipv6().udp(1, 2).truncate(14 + 30).build(); },
-       VECTOR_IPV6_EXCEPTION},
-      {"IPv6 payload beyond the frame", ROUTED, [] { return ipv6().udp(1, 2).payload(20).truncate(14 + 45).build(); },
        VECTOR_IPV6_EXCEPTION},
       {"IPv6 from ::1", ROUTED, [] { return udp(ipv6(to_router(), "2001:db8::2", "::1")); }, VECTOR_IPV6_EXCEPTION},
       {"MPLS stack cut before its bottom", ROUTED, [] { return labelled().payload(4).truncate(14 + 6).build(); },
@@ -88,10 +81,8 @@ const std::vector<row>& rows() {
       {"IPv4 on VLAN 100", ROUTED, [] { return udp(ipv4(to_router().vlan(0x8100, 100))); }, VECTOR_IPV4_UNICAST},
       {"IPv4 on 0x88A8 200 / 300", ROUTED, [] { return udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300))); },
        VECTOR_IPV4_UNICAST},
-      {"a VLAN with no interface", ROUTED, [] { return udp(ipv4(to_router().vlan(0x8100, 101))); }, VECTOR_UNPLACED},
       {"a third tag on the 200 / 300 interface", ROUTED,
        [] { return udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300).vlan(0x8100, 1))); }, VECTOR_UNPLACED},
-      {"a tagged frame on a bridge port", BRIDGE, [] { return udp(ipv4(to_router().vlan(0x8100, 7))); }, VECTOR_VPLS},
       {"an unknown type on a bridge port", BRIDGE, [] { return to_router().ethertype(0x1234).payload(46).build(); },
        VECTOR_VPLS},
       {"a bridge group frame on a bridge port", BRIDGE,
@@ -105,8 +96,6 @@ const std::vector<row>& rows() {
        VECTOR_L2_CONTROL},
       {"an 802.3 length on a routed port", ROUTED, [] { return to_router().ethertype(0x0026).payload(38).build(); },
        VECTOR_L2_CONTROL},
-      {"an unknown type on a routed port", ROUTED, [] { return to_router().ethertype(0x1234).payload(46).build(); },
-       VECTOR_UNPLACED, false},
       {"a tag cut short", ROUTED, [] { return ipv4(to_router().vlan(0x8100, 100)).udp(1, 2).truncate(16).build(); },
        VECTOR_UNPLACED},
       {"a port without settings", UNSET, [] { return udp(ipv4()); }, VECTOR_UNPLACED},
@@ -155,7 +144,6 @@ void ParserVector::set_up(testkit::line_card& c) {
 TEST_P(ParserVector, FrameTakesTheVectorOfItsRule) {
   const row& r = GetParam();
   const dist_hdr_line_st hdr = card_->parse(r.port, r.frame());
-  EXPECT_EQ(L::rt_result_valid::get(hdr), r.valid ? 1u : 0u);
   EXPECT_EQ(L::rt_result::get(hdr), r.vector);
 }
 
