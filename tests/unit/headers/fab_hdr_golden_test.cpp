@@ -72,24 +72,6 @@ TEST(FabHdrGolden, BridgeDomainOfTheL2UnicastForms) {
   EXPECT_EQ(plat_get_fab_hdr_l2_uni_bd_id(h.data()), 0x123456u);
 }
 
-TEST(FabHdrGolden, PwheVpathUnicastExtension) {
-  bytes vpath =
-      written(PWHE_VPATH_HDR_BYTES,
-              {TYPE, LENGTH, plat_set_fab_hdr_ip_uni_ext_SDN_proc, plat_set_fab_hdr_ip_uni_ext_resp_new_flow_inj,
-               plat_set_fab_hdr_ip_uni_ext_egr_np_port, plat_set_fab_hdr_ip_uni_ext_pwhe_lag_id},
-              {NPH_TYPE_IPV6_UNI_EXT, NPH_LENGTH_40, 1, 1, 0x0304, 2});
-  EXPECT_FALSE(plat_is_fab_hdr_pwhe_vpath_uni(vpath.data()));
-  plat_set_fab_hdr_ip_uni_ext_reinject_or_output(vpath.data(), 1);
-  vpath[52] = 0x86;
-  vpath[53] = 0xDD;
-  EXPECT_EQ(vpath, with(PWHE_VPATH_HDR_BYTES,
-                        {{8, 34}, {9, 16}, {33, 0x03}, {34, 0x04}, {37, 0x02}, {38, 0x8A}, {52, 0x86}, {53, 0xDD}}));
-  EXPECT_TRUE(plat_is_fab_hdr_pwhe_ipv6_vpath(vpath.data()));
-  EXPECT_FALSE(plat_is_fab_hdr_pwhe_ipv4_vpath(vpath.data()));
-  EXPECT_TRUE(plat_is_fab_hdr_pwhe_uni(vpath.data()));
-  EXPECT_EQ(plat_get_pwhe_encap_uni_lag_egr(vpath.data()), 2u);
-}
-
 // Checksum vectors summed by hand: fifteen words of bytes 0..29, byte 30,
 // the three folds, the complement.
 TEST(FabHdrChecksum, KnownVectors) {

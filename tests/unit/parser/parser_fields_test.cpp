@@ -238,23 +238,10 @@ std::vector<decode_row> decode_rows() {
   };
 }
 
-class ParserDecodeBits : public ::testing::TestWithParam<decode_row> {
- protected:
-  static void SetUpTestSuite() {
-    card_ = new testkit::line_card();
-    card_->add_port(PORT);
-    card_->ifs().add_physical_port(PORT, testkit::line_card::routed(0x90, true, true, true));
-  }
-  static void TearDownTestSuite() {
-    delete card_;
-    card_ = nullptr;
-  }
-  static testkit::line_card* card_;
-};
-testkit::line_card* ParserDecodeBits::card_ = nullptr;
+class ParserDecodeBits : public ParserFields, public ::testing::WithParamInterface<decode_row> {};
 
 TEST_P(ParserDecodeBits, FrameGivesTheBitsOfItsHeader) {
-  const baf b = baf_of(card_->parse(PORT, GetParam().frame()));
+  const baf b = parse_baf(GetParam().frame());
   for (const bit& want : GetParam().bits) EXPECT_EQ(want.get(b), want.want) << want.name;
 }
 

@@ -106,18 +106,10 @@ const std::vector<row>& rows() {
 
 class ParserVector : public ::testing::TestWithParam<row> {
  protected:
-  static void SetUpTestSuite() {
-    card_ = new testkit::line_card();
-    set_up(*card_);
-  }
-  static void TearDownTestSuite() {
-    delete card_;
-    card_ = nullptr;
-  }
+  void SetUp() override { set_up(card); }
   static void set_up(testkit::line_card& c);
-  static testkit::line_card* card_;
+  testkit::line_card card;
 };
-testkit::line_card* ParserVector::card_ = nullptr;
 
 void ParserVector::set_up(testkit::line_card& c) {
   using testkit::line_card;
@@ -143,7 +135,7 @@ void ParserVector::set_up(testkit::line_card& c) {
 
 TEST_P(ParserVector, FrameTakesTheVectorOfItsRule) {
   const row& r = GetParam();
-  const dist_hdr_line_st hdr = card_->parse(r.port, r.frame());
+  const dist_hdr_line_st hdr = card.parse(r.port, r.frame());
   EXPECT_EQ(L::rt_result::get(hdr), r.vector);
 }
 
