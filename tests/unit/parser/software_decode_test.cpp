@@ -92,23 +92,6 @@ TEST_F(SoftwareDecode, FourLabelsWithoutABottomCountNone) {
   EXPECT_EQ(baf::mpls::mpls_gt_1_label::get(b), 0u);
 }
 
-TEST_F(SoftwareDecode, VxlanFormTakesIpv4AndKeepsTheDestinationClass) {
-  baf start{};
-  baf::da_bits::set(start, 2);
-  baf::rt_result_valid::set(start, 1);
-  const bytes inner = eth().ipv4(pkt::ip4("10.0.0.1"), pkt::ip4("239.1.1.1")).udp(1, 2).build();
-  const auto size = static_cast<std::uint32_t>(inner.size());
-  const baf out = run(start, 14, size, [&](env_t env) { npu_ing_vxlan_pkt_decode(env, inner.data()); }).b;
-  EXPECT_EQ(baf::l3_type::get(out), bufhdr_l3_type_ipv4_e);
-  EXPECT_EQ(baf::v4::is_mcast::get(out), 1u);
-  for (auto get : {&baf::v4::no_more_frags::get<baf>, &baf::v4::frag_offset_0::get<baf>, &baf::v4::not_gre::get<baf>,
-                   &baf::v4::payloadlen_gte_4::get<baf>}) {
-    EXPECT_EQ(get(out), 1u);
-  }
-  EXPECT_EQ(baf::da_bits::get(out), 2u);
-  EXPECT_EQ(baf::rt_result_valid::get(out), 1u);
-}
-
 // What both decodes compute, for frames whose labels end within four and
 // frames to the router, to control groups and to other groups.
 TEST_F(SoftwareDecode, AgreesWithTheParser) {

@@ -141,8 +141,6 @@ TEST_F(InterfaceRecords, L3SubinterfaceRecordsHoldTheCallersFieldsAndTheInterfac
   uidb_ext_l3_ing_st::coherency_always_1::set(want_ext, 1);
   EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_ing_part1_st, UIDB_EXT_L3_ING__COMM)),
             bytes_of(want_ext, sizeof(uidb_ext_l3_ing_part1_st)));
-  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_fast_ing_st, UIDB_EXT_L3_FAST_ING__COMM)), bytes_of(*c.ingress_fast_ext));
-  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_fast_egr_st, UIDB_EXT_L3_FAST_EGR__COMM)), bytes_of(*c.egress_fast_ext));
   uidb_bng_ext_l3_ing_st want_bng = *c.subscriber_ext;
   uidb_bng_ext_l3_ing_st::coherency_always_1::set(want_bng, 1);
   EXPECT_EQ(bytes_of(RECORD(uidb_bng_ext_l3_ing_st, UIDB_BNG_EXT_L3_ING)), bytes_of(want_bng));
