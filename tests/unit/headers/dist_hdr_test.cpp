@@ -46,10 +46,7 @@ class DistHdrAccessors : public ::testing::Test {
  protected:
   testkit::npu_harness h;
 
-  // Runs fn on the thread with a header of zeros but for `set`.
-  void with_header(const byte_map& set, const std::function<void(env_t)>& fn) {
-    with_header(with(sizeof(dist_hdr_line_st), set), fn);
-  }
+  // Runs fn on the thread with the header `hdr`.
   void with_header(const bytes& hdr, const std::function<void(env_t)>& fn) {
     h.on_thread([&](env_t env) {
       std::memcpy(env->dist_hdr, hdr.data(), sizeof env->dist_hdr);
@@ -77,14 +74,15 @@ TEST_F(DistHdrAccessors, InjectPortsAreQueues80To83) {
   const std::pair<std::uint8_t, bool> queues[] = {{79, false}, {80, true}, {83, true}, {84, false}};
   for (const auto& [queue, inject] : queues) {
     // igpb_queue: the low 3 bits of byte 7 are its top bits, the top 4 of byte 8 its low bits.
-    with_header(byte_map{{7, static_cast<std::uint8_t>(queue >> 4)}, {8, static_cast<std::uint8_t>(queue << 4)}},
+    with_header(with(sizeof(dist_hdr_line_st),
+                     {{7, static_cast<std::uint8_t>(queue >> 4)}, {8, static_cast<std::uint8_t>(queue << 4)}}),
                 [&](env_t env) { EXPECT_EQ(pkt_is_rx_inject_port(env) != 0, inject) << int{queue}; });
   }
 }
 
 TEST_F(DistHdrAccessors, IpOffsetStepsOverTheLabelsOnlyAfterDisposition) {
   // l3_offset 14 at byte 17; two labels at byte 26 bits 2..0.
-  with_header(byte_map{{17, 14}, {26, 0x02}}, [](env_t env) {
+  with_header(with(sizeof(dist_hdr_line_st), {{17, 14}, {26, 0x02}}), [](env_t env) {
     *ps_put_mod_common_flags(env) = common_flags_st{};
     EXPECT_EQ(pkt_get_rx_ip_offset(env), 14u);
     common_flags_st::mpls_to_ip::set(*ps_put_mod_common_flags(env), 1);

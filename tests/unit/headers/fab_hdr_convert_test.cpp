@@ -27,20 +27,14 @@ const bytes compressed_mc = {0x91, 0x23, 0x80, 0x05, 0xA3, 0x5A, 0x02, 0x52, 0x1
 const bytes dc3_mc = {0xC0, 0x00, 0x40, 0x14, 0x23, 0x0B, 0x00, 0x05, 0x02, 0x52, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15,
                       0x16, 0x17, 0x18, 0x19, 0x00, 0x00, 0x01, 0x23, 0x20, 0x21, 0x22, 0x23, 0x24, 0x5A, 0x30, 0x00};
 
-TEST(FabHdrConvert, CompressedToDc3GrowsEightBytesAhead) {
-  bytes buf(8, 0xEE);
+TEST(FabHdrConvert, UnicastDestinationSetsSfpValidAndThePacketBehindStaysPut) {
+  bytes buf(8, 0);
   buf.insert(buf.end(), compressed_mc.begin(), compressed_mc.end());
-  buf.insert(buf.end(), {0xAB, 0xCD});  // the packet behind stays put
+  buf.insert(buf.end(), {0xAB, 0xCD});
+  buf[8] = 0x81;  // multicast_flag clear
   EXPECT_EQ(plat_fab_convert_compressed_location_to_dc3(nullptr, buf.data() + 8, 100), 8u);
-  EXPECT_EQ(bytes(buf.begin(), buf.begin() + 32), dc3_mc);
-  EXPECT_EQ(buf[32], 0xAB);
-  EXPECT_EQ(buf[33], 0xCD);
-  buf.assign(8, 0);
-  buf.insert(buf.end(), compressed_mc.begin(), compressed_mc.end());
-  buf[8] = 0x81;  // multicast_flag clear: a unicast destination sets sfp_valid
-  plat_fab_convert_compressed_location_to_dc3(nullptr, buf.data() + 8, 100);
-  EXPECT_EQ(buf[22], 0x11);
-  EXPECT_EQ(buf[23], 0x23);
+  EXPECT_EQ(bytes(buf.begin() + 22, buf.begin() + 24), (bytes{0x11, 0x23}));  // sfp_valid and the FGID
+  EXPECT_EQ(bytes(buf.begin() + 32, buf.end()), (bytes{0xAB, 0xCD}));
 }
 
 TEST(FabHdrConvert, FpgaFormPutsTheEncapsulationBehindTheDc3Header) {
