@@ -1,5 +1,5 @@
-// The compressed header and the dc3 form, both ways; the FPGA form; the
-// fixed-field and unicast writers; the backup of an L3 unicast header.
+// The compressed header and the dc3 form, both ways; the fixed-field and
+// unicast writers; the backup of an L3 unicast header.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -35,17 +35,6 @@ TEST(FabHdrConvert, UnicastDestinationSetsSfpValidAndThePacketBehindStaysPut) {
   EXPECT_EQ(plat_fab_convert_compressed_location_to_dc3(nullptr, buf.data() + 8, 100), 8u);
   EXPECT_EQ(bytes(buf.begin() + 22, buf.begin() + 24), (bytes{0x11, 0x23}));  // sfp_valid and the FGID
   EXPECT_EQ(bytes(buf.begin() + 32, buf.end()), (bytes{0xAB, 0xCD}));
-}
-
-TEST(FabHdrConvert, FpgaFormPutsTheEncapsulationBehindTheDc3Header) {
-  bytes buf(24, 0);
-  buf.insert(buf.end(), compressed_mc.begin(), compressed_mc.end());
-  buf.insert(buf.end(), {0x01, 0x02, 0x03, 0x04});  // p4: the extension's last 4 bytes
-  EXPECT_EQ(plat_fab_convert_compressed_location_to_dc3_fpga(nullptr, buf.data() + 24, 100, 84, 3, 100), 24u);
-  EXPECT_EQ(bytes(buf.begin(), buf.begin() + 32), dc3_mc);
-  EXPECT_EQ(bytes(buf.begin() + 32, buf.begin() + 48),
-            (bytes{0x01, 0x56, 0x47, 0x50, 0x00, 84, 0x00, 0x4E, 0x65, 0x7A, 0x00, 3, 0x81, 0x00, 0x00, 100}));
-  EXPECT_EQ(bytes(buf.begin() + 48, buf.end()), (bytes{0x01, 0x02, 0x03, 0x04}));
 }
 
 class FabHdrOnThread : public ::testing::Test {
@@ -105,7 +94,6 @@ TEST_F(FabHdrOnThread, UnicastBackupRebuildsTheHeaderAheadOfTheL3Header) {
   };
   const row rows[] = {
       {NPH_TYPE_IPV4_UNI, bufhdr_l3_type_ipv4_e, 0x0B, 0x0A, 0x00},
-      {NPH_TYPE_IPV6_UNI, bufhdr_l3_type_ipv6_e, 0x0B, 0x0A, 0x00},
       {NPH_TYPE_MPLS_UNI, bufhdr_l3_type_mpls_e, 0x00, 0x00, 0x06},
       {NPH_TYPE_L2_UNI, bufhdr_l3_type_other_e, 0x0B, 0x0A, 0x00},
   };
@@ -133,21 +121,6 @@ TEST_F(FabHdrOnThread, UnicastBackupRebuildsTheHeaderAheadOfTheL3Header) {
                        0x03, 0x04, 0x00, 0x00,     0x10,     0x00, 0x00,     0x00, 0x00,
                        0x00, 0x05, 0x00, 0x3F,     0x00}));
     }
-  });
-}
-
-TEST_F(FabHdrOnThread, GreMultikeyStandsWhereTheLengthSays) {
-  h.on_thread([&](env_t env) {
-    std::array<std::uint8_t, 44> fab{};
-    fab[36] = 0x44;
-    fab[40] = 0x88;
-    std::uint32_t key = 0;
-    fab[9] = NPH_LENGTH_40;
-    EXPECT_TRUE(plat_get_fab_hdr_ip_uni_gre_multikey(env, fab.data(), &key));
-    EXPECT_EQ(key, 0x44u);
-    fab[9] = NPH_LENGTH_44;
-    EXPECT_TRUE(plat_get_fab_hdr_ip_uni_gre_multikey(env, fab.data(), &key));
-    EXPECT_EQ(key, 0x88u);
   });
 }
 
