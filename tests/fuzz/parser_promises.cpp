@@ -39,18 +39,9 @@ bool is_l2(std::uint32_t v) {
 bool is_listed(std::uint32_t v) { return v <= VECTOR_INJECT || v == VECTOR_UNPLACED; }
 
 std::uint32_t l3_type_of(std::uint32_t v) {
-  switch (v) {
-    case VECTOR_IPV4_UNICAST:
-    case VECTOR_IPV4_MULTICAST:
-    case VECTOR_IPV4_EXCEPTION:
-      return L3_IPV4;
-    case VECTOR_IPV6_UNICAST:
-    case VECTOR_IPV6_MULTICAST:
-    case VECTOR_IPV6_EXCEPTION:
-      return L3_IPV6;
-    default:
-      return L3_MPLS;
-  }
+  if (v == VECTOR_IPV4_UNICAST || v == VECTOR_IPV4_MULTICAST || v == VECTOR_IPV4_EXCEPTION) return L3_IPV4;
+  if (v == VECTOR_IPV6_UNICAST || v == VECTOR_IPV6_MULTICAST || v == VECTOR_IPV6_EXCEPTION) return L3_IPV6;
+  return L3_MPLS;
 }
 
 const fixture_interface* configured(std::uint32_t port, std::uint32_t uidb) {
@@ -137,16 +128,9 @@ const char* clean_promise(frame_t f, const hdr_t& h) {
   const std::uint32_t off = hdr_t::l3_offset::get(h);
   if (off < ETH_HDR || !hdr_t::rt_result_valid::get(h)) return "a clean vector without an L3 header";
   const frame_t l3 = f.subspan(off);
-  switch (v) {
-    case VECTOR_IPV4_UNICAST:
-    case VECTOR_IPV4_MULTICAST:
-      return ipv4_promise(f, l3, v == VECTOR_IPV4_MULTICAST, h);
-    case VECTOR_IPV6_UNICAST:
-    case VECTOR_IPV6_MULTICAST:
-      return ipv6_promise(f, l3, v == VECTOR_IPV6_MULTICAST, h);
-    default:
-      return mpls_promise(f, l3, off, h);
-  }
+  if (v == VECTOR_IPV4_UNICAST || v == VECTOR_IPV4_MULTICAST) return ipv4_promise(f, l3, v == VECTOR_IPV4_MULTICAST, h);
+  if (v == VECTOR_IPV6_UNICAST || v == VECTOR_IPV6_MULTICAST) return ipv6_promise(f, l3, v == VECTOR_IPV6_MULTICAST, h);
+  return mpls_promise(f, l3, off, h);
 }
 
 }  // namespace

@@ -33,16 +33,10 @@ L3_NRLDI_ING
 STATS_INC_GLB_CNT
 [engine form=stats_add_inc template=STATS_PAIR]
 STATS_ADD_INC
-[engine form=stats_add_inc_split template=STATS_PAIR]
-STATS_ADD_INC_SPLIT
 [engine form=view]
 IP_LEAF_ING EGR_PORT_PART2
 [engine template=PLU_IPV4_SEARCH]
 UC_DST_VPN_ING
-[engine resource=44]
-DROP_KEEP_PKT
-[engine form=flowlock_convert resource=44 response=8]
-FLOWLOCK_CONVERT
 [engine resource=120]
 MAC_LOCK
 [hash_families]

@@ -1,10 +1,8 @@
-// What the generator writes for a small catalogue: the identifiers in their
-// order, the operations each engine and protection call for, and the table
+// What the generator writes for a small catalogue: the operations each
+// engine and protection call for, a hash search's identifiers, and the table
 // addresses. The program's own catalogue is compiled and driven by the tests
 // of each engine; these cases pin the generator's rules on inputs of their own.
 #include <gtest/gtest.h>
-
-#include <algorithm>
 
 #include "emit.h"
 #include "gen_fixture.h"
@@ -22,18 +20,6 @@ gen::outputs emitted(const generated& g) {
   return gen::emit(g.cat, g.lookups);
 }
 
-TEST(Output, EnumHoldsEveryIdentifierOnceInGeneratorOrder) {
-  const generated g = generate("UIDB_L3_ING__COMM slot=0x140 type=rec live=g\nTX_ADJ slot=0x1F0 type=rec live=g\n");
-  const std::vector<std::string> names = gen::enum_names(g.cat);
-  const std::vector<std::string> head(names.begin(), names.begin() + 5);
-  EXPECT_EQ(head, (std::vector<std::string>{"UIDB_L3_ING", "TX_ADJ", "GLOBAL_PKT_TRACE", "EGR_PORT_PART1", "REPNODE"}));
-  // Hash families with each suffix, then locks, then the tagged rows.
-  const std::vector<std::string> tail(names.end() - 4, names.end());
-  EXPECT_EQ(tail, (std::vector<std::string>{"LPTS_HASH_MOD", "LPTS_HASH_KEY", "MAC_LOCK__MN", "UIDB_L3_ING__COMM"}));
-  EXPECT_EQ(std::count(names.begin(), names.end(), "TX_ADJ"), 1);
-  EXPECT_TRUE(contains(emitted(g).ids_header, "  ID_UIDB_L3_ING = 0,\n"));
-}
-
 TEST(Output, ProtectedReadsWaitOnTheirRecordAndOthersDoNot) {
   const std::string ops = emitted(generate("UIDB_L3_ING__COMM slot=0x140 type=uidb_rec live=g\n"
                                            "L3_NRLDI_ING__COMM slot=0x110 type=nrldi_rec live=g\n"
@@ -45,16 +31,6 @@ TEST(Output, ProtectedReadsWaitOnTheirRecordAndOthersDoNot) {
   EXPECT_TRUE(contains(ops, "inline void lookup_wait_ID_PORT_CONFIG_ING__SAT(env_t) {}"));
   EXPECT_TRUE(contains(ops, "qrsc(rtt_index(0, 3), lookup_paged_word(0, record_index), 0x140, 0x140);"));
   EXPECT_TRUE(contains(ops, "qrsc(rtt_index(0, 2), 0x81540C00u + index * 16u, 0x020, 0x020);"));
-}
-
-TEST(Output, ViewsShareTheirLookupsWaitAndSlot) {
-  const std::string ops = emitted(generate("EGR_PORT_PART1__IPV4 slot=0x0A0 type=part1 live=g\n"
-                                           "EGR_PORT_PART2__IPV4 view=EGR_PORT_PART1__IPV4 slot=0x0B0 type=part2\n"))
-                              .ops_header;
-  EXPECT_TRUE(contains(ops,
-                       "inline void lookup_wait_cohfail_ID_EGR_PORT_PART2__IPV4(env_t env) { "
-                       "lookup_wait_cohfail_ID_EGR_PORT_PART1__IPV4(env); }"));
-  EXPECT_FALSE(contains(ops, "lookup_request_ID_EGR_PORT_PART2__IPV4"));
 }
 
 TEST(Output, TableAddressesForTheControlSide) {
@@ -80,15 +56,6 @@ TEST(Output, HashSearchRowGivesItsLookupsAndItsTable) {
   EXPECT_TRUE(contains(out.tables_header,
                        "HASH_TABLE_MPLS_RPF = {\"MPLS_RPF\", 31, 32, HASH_SPACE_A_BASE, HASH_SPACE_A_BUCKETS, "
                        "8, 16, false, false};"));
-}
-
-TEST(Output, LockRowsUseTheFamilysBitmapAndCell) {
-  const gen::outputs out =
-      emitted(generate("MAC_LOCK__MN__ACQUIRE cell=0x020 live=g\nMAC_LOCK__MN__RELEASE cell=0x020 live=g\n"));
-  EXPECT_TRUE(contains(out.ops_header,
-                       "bitmap_lock_acquire(env, {ID_MAC_LOCK__MN__ACQUIRE, LOCK_BITMAP_MAC, 0x020}, "
-                       "mac_lock_bitmap_hash(lock_id, LOCK_BITS_MAC), wait);"));
-  EXPECT_TRUE(contains(out.tables_header, "LOCK_BITMAP_MAC = 0x404C8A10;\n"));
 }
 
 }  // namespace

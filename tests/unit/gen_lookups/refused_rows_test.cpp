@@ -158,17 +158,6 @@ INSTANTIATE_TEST_SUITE_P(
                 ROUTE_TABLES, 0}),
     [](const testing::TestParamInfo<refused>& p) { return p.param.name; });
 
-TEST(RefusedRows, LookupsOfDifferentGroupsShareSlots) {
-  const generated g = generate(
-      "GLOBAL_PKT_TRACE slot=0x020 type=rec live=loop\n"
-      "PORT_CONFIG_ING__SAT slot=0x020 type=rec live=sat_ing\n"
-      "L3_NRLDI_ING__COMM slot=0x110 type=rec live=l3\n"
-      "UIDB_L3_ING__COMM slot=0x140 type=rec live=l3\n"
-      "STATS_INC_GLB_CNT__DEBUG cell=0x140\n");
-  EXPECT_TRUE(g.errs.empty()) << joined(g.errs);
-  EXPECT_EQ(g.lookups.size(), 5u);
-}
-
 TEST(RefusedRows, EveryOverlapOfARowIsReported) {
   const generated g = generate(
       "UIDB_L3_ING__COMM slot=0x140 type=rec live=a\n"

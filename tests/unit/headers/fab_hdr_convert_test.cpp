@@ -1,5 +1,5 @@
-// The compressed header and the dc3 form, both ways; the FPGA form; the
-// fixed-field and unicast writers; the backup of an L3 unicast header.
+// The compressed header and the dc3 form, both ways; the fixed-field and
+// unicast writers; the backup of an L3 unicast header.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -27,31 +27,14 @@ const bytes compressed_mc = {0x91, 0x23, 0x80, 0x05, 0xA3, 0x5A, 0x02, 0x52, 0x1
 const bytes dc3_mc = {0xC0, 0x00, 0x40, 0x14, 0x23, 0x0B, 0x00, 0x05, 0x02, 0x52, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15,
                       0x16, 0x17, 0x18, 0x19, 0x00, 0x00, 0x01, 0x23, 0x20, 0x21, 0x22, 0x23, 0x24, 0x5A, 0x30, 0x00};
 
-TEST(FabHdrConvert, CompressedToDc3GrowsEightBytesAhead) {
-  bytes buf(8, 0xEE);
+TEST(FabHdrConvert, UnicastDestinationSetsSfpValidAndThePacketBehindStaysPut) {
+  bytes buf(8, 0);
   buf.insert(buf.end(), compressed_mc.begin(), compressed_mc.end());
-  buf.insert(buf.end(), {0xAB, 0xCD});  // the packet behind stays put
+  buf.insert(buf.end(), {0xAB, 0xCD});
+  buf[8] = 0x81;  // multicast_flag clear
   EXPECT_EQ(plat_fab_convert_compressed_location_to_dc3(nullptr, buf.data() + 8, 100), 8u);
-  EXPECT_EQ(bytes(buf.begin(), buf.begin() + 32), dc3_mc);
-  EXPECT_EQ(buf[32], 0xAB);
-  EXPECT_EQ(buf[33], 0xCD);
-  buf.assign(8, 0);
-  buf.insert(buf.end(), compressed_mc.begin(), compressed_mc.end());
-  buf[8] = 0x81;  // multicast_flag clear: a unicast destination sets sfp_valid
-  plat_fab_convert_compressed_location_to_dc3(nullptr, buf.data() + 8, 100);
-  EXPECT_EQ(buf[22], 0x11);
-  EXPECT_EQ(buf[23], 0x23);
-}
-
-TEST(FabHdrConvert, FpgaFormPutsTheEncapsulationBehindTheDc3Header) {
-  bytes buf(24, 0);
-  buf.insert(buf.end(), compressed_mc.begin(), compressed_mc.end());
-  buf.insert(buf.end(), {0x01, 0x02, 0x03, 0x04});  // p4: the extension's last 4 bytes
-  EXPECT_EQ(plat_fab_convert_compressed_location_to_dc3_fpga(nullptr, buf.data() + 24, 100, 84, 3, 100), 24u);
-  EXPECT_EQ(bytes(buf.begin(), buf.begin() + 32), dc3_mc);
-  EXPECT_EQ(bytes(buf.begin() + 32, buf.begin() + 48),
-            (bytes{0x01, 0x56, 0x47, 0x50, 0x00, 84, 0x00, 0x4E, 0x65, 0x7A, 0x00, 3, 0x81, 0x00, 0x00, 100}));
-  EXPECT_EQ(bytes(buf.begin() + 48, buf.end()), (bytes{0x01, 0x02, 0x03, 0x04}));
+  EXPECT_EQ(bytes(buf.begin() + 22, buf.begin() + 24), (bytes{0x11, 0x23}));  // sfp_valid and the FGID
+  EXPECT_EQ(bytes(buf.begin() + 32, buf.end()), (bytes{0xAB, 0xCD}));
 }
 
 class FabHdrOnThread : public ::testing::Test {
@@ -103,18 +86,6 @@ TEST_F(FabHdrOnThread, Ipv4UnicastHeaderOfTheIngressPath) {
   });
 }
 
-TEST(FabHdrWrite, QosBitWritersKeepTheOtherBits) {
-  std::array<std::uint8_t, 32> fab{};
-  plat_set_fab_hdr_ipv4_uni_qos_info(fab.data(), 0xFFFF);
-  plat_fab_hdr_write_qos_cos(fab.data(), 0);
-  EXPECT_EQ(plat_get_fab_hdr_ipv4_uni_qos_info(fab.data()), 0x1FFFu);
-  plat_fab_hdr_write_qos_discard_class(fab.data(), 2);
-  EXPECT_EQ(plat_get_fab_hdr_ipv4_uni_qos_info(fab.data()), 0x15FFu);
-  plat_fab_hdr_write_qos_group(fab.data(), 0);
-  EXPECT_EQ(fab[10], 0xC0);
-  EXPECT_EQ(fab[11], 0x15);
-}
-
 TEST_F(FabHdrOnThread, UnicastBackupRebuildsTheHeaderAheadOfTheL3Header) {
   struct row {
     std::uint32_t type;
@@ -123,7 +94,6 @@ TEST_F(FabHdrOnThread, UnicastBackupRebuildsTheHeaderAheadOfTheL3Header) {
   };
   const row rows[] = {
       {NPH_TYPE_IPV4_UNI, bufhdr_l3_type_ipv4_e, 0x0B, 0x0A, 0x00},
-      {NPH_TYPE_IPV6_UNI, bufhdr_l3_type_ipv6_e, 0x0B, 0x0A, 0x00},
       {NPH_TYPE_MPLS_UNI, bufhdr_l3_type_mpls_e, 0x00, 0x00, 0x06},
       {NPH_TYPE_L2_UNI, bufhdr_l3_type_other_e, 0x0B, 0x0A, 0x00},
   };
@@ -151,21 +121,6 @@ TEST_F(FabHdrOnThread, UnicastBackupRebuildsTheHeaderAheadOfTheL3Header) {
                        0x03, 0x04, 0x00, 0x00,     0x10,     0x00, 0x00,     0x00, 0x00,
                        0x00, 0x05, 0x00, 0x3F,     0x00}));
     }
-  });
-}
-
-TEST_F(FabHdrOnThread, GreMultikeyStandsWhereTheLengthSays) {
-  h.on_thread([&](env_t env) {
-    std::array<std::uint8_t, 44> fab{};
-    fab[36] = 0x44;
-    fab[40] = 0x88;
-    std::uint32_t key = 0;
-    fab[9] = NPH_LENGTH_40;
-    EXPECT_TRUE(plat_get_fab_hdr_ip_uni_gre_multikey(env, fab.data(), &key));
-    EXPECT_EQ(key, 0x44u);
-    fab[9] = NPH_LENGTH_44;
-    EXPECT_TRUE(plat_get_fab_hdr_ip_uni_gre_multikey(env, fab.data(), &key));
-    EXPECT_EQ(key, 0x88u);
   });
 }
 

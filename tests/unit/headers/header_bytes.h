@@ -1,4 +1,4 @@
-// Helpers of the header tests: a record's bytes, and the golden round trip
+// Helpers of the header tests: a header of zeros but for some bytes, and the golden round trip
 // of a record whose fields hold distinct values.
 #pragma once
 
@@ -15,23 +15,6 @@ namespace ht {
 using bytes = std::vector<std::uint8_t>;
 using byte_map = std::map<std::size_t, std::uint8_t>;
 
-template <class R>
-bytes bytes_of(const R& rec) {
-  const auto* p = reinterpret_cast<const std::uint8_t*>(&rec);
-  return {p, p + sizeof(R)};
-}
-
-// The nonzero bytes of a record, by position.
-template <class R>
-byte_map nonzero(const R& rec) {
-  byte_map m;
-  const auto* p = reinterpret_cast<const std::uint8_t*>(&rec);
-  for (std::size_t i = 0; i < sizeof(R); ++i) {
-    if (p[i]) m[i] = p[i];
-  }
-  return m;
-}
-
 // An n-byte header of zeros but for `set`.
 inline bytes with(std::size_t n, const byte_map& set) {
   bytes b(n, 0);
@@ -47,7 +30,8 @@ void expect_round_trip(const bytes& golden, const std::array<std::uint32_t, size
   R written{};
   std::size_t i = 0;
   (F::set(written, values[i++]), ...);
-  EXPECT_EQ(bytes_of(written), golden);
+  const auto* w = reinterpret_cast<const std::uint8_t*>(&written);
+  EXPECT_EQ(bytes(w, w + sizeof(R)), golden);
   R read;
   std::memcpy(&read, golden.data(), sizeof(R));
   i = 0;

