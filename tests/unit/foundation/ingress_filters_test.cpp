@@ -115,7 +115,6 @@ TEST(PacketTrace, EntrySelectsPortsAndMatchWords) {
   };
   const row rows[] = {
       {"all slots empty", {0xFF, 0xFF, 0xFF, 0xFF}, {W1, W2, W3}, PORT, false},
-      {"all slots empty, port 255", {0xFF, 0xFF, 0xFF, 0xFF}, {W1, W2, W3}, 255, false},
       {"first slot", {PORT, 0xFF, 0xFF, 0xFF}, {W1, W2, W3}, PORT, true},
       {"third slot", {1, 2, PORT, 0xFF}, {W1, W2, W3}, PORT, true},
       {"other ports only", {1, 2, 3, 0xFF}, {W1, W2, W3}, PORT, false},

@@ -124,13 +124,10 @@ INSTANTIATE_TEST_SUITE_P(
 
                       selection_case{"gre_over_mpls_hashes_0xBCD", 0x00, GRE_OVER_MPLS, 2, 6},
                       selection_case{"inject_member", 0x08, 0, 2, 3},
-                      selection_case{"header_only_ignores_inject", 0x0A, 0, 2, 2},
                       selection_case{"raw_hash_injected_hashes_the_member", 0x01, RAW_HASH_SET | INJECTED, 11, 2},
                       selection_case{"raw_hash_not_injected_keeps_the_member", 0x01, RAW_HASH_SET, 11, -1},
                       selection_case{"raw_hash_without_its_bit", 0x00, RAW_HASH_SET | INJECTED, 11, -1},
-                      selection_case{"raw_hash_before_inject", 0x09, RAW_HASH_SET | INJECTED, 11, 2},
                       selection_case{"sr_te_takes_the_packet_state", 0x00, SR_TE, 2, 4},
-                      selection_case{"sr_te_over_inject", 0x08, SR_TE, 2, 4},
                       selection_case{"sr_te_leaves_the_hash", 0x10, SR_TE, 2, 6},
                       selection_case{"truncating_hashes_0xCD", 0x10, TRUNCATING, 2, 0xCD % 9},
                       selection_case{"truncating_keeps_the_member_number", 0x00, TRUNCATING, 8, 8},

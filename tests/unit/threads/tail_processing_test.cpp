@@ -200,22 +200,4 @@ TEST(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
   }
 }
 
-TEST(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer) {
-  testkit::npu_harness h;
-  tail_state after_tail{};
-  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
-    cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
-    *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
-    enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    tail_processing_ipv4_ing(env);
-    after_tail = tail_state_of(env);
-    cf::keep_gpm::set(*ps_put_mod_common_flags(env), 0);  // the loop's last copy
-    drop_packet(env, 0x124);
-  });
-  const model::packet_outcome o = h.one(testkit::line_packet());
-  EXPECT_EQ(after_tail, (tail_state{0, 1, LOOP_LOCK, LOOP_LOCK}));
-  EXPECT_EQ(o.placeholder, static_cast<std::int32_t>(UNBUILT_span_process_ing));
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{0x124}));
-}
-
 }  // namespace
