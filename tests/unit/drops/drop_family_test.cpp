@@ -165,16 +165,4 @@ TEST_F(DropFamily, InterfaceDropsCountOnTheInterfaceUnlessInjected) {
   }
 }
 
-TEST_F(DropFamily, EgressDropReachesFlowExportOnAnInterfaceWithIt) {
-  ctrl::l3_interface cfg;
-  uidb_l3_egr_fields_st::mpls_nf_en::set(cfg.egress, 1);
-  set_up_interface(cfg);
-  const model::packet_outcome o = one([](env_t env) {
-    lookup_request_ID_UIDB_L3_EGR__COMM(env, UIDB);
-    drop_packet_egr_common__MPLS(env, FALSE, NF_DROP_REASON_BAD_OUTPUT_IF, 0x5AA);
-  });
-  EXPECT_EQ(o.global_counters, (counters{0x5AA}));
-  EXPECT_EQ(o.placeholder, static_cast<std::int32_t>(UNBUILT_mpls_egr_netflow_part_1));
-}
-
 }  // namespace

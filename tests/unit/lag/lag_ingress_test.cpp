@@ -108,19 +108,6 @@ TEST_F(Adjacency, ChoosesTheMemberByTheAdjacencysHash) {
   }
 }
 
-TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChainAndLeavesTheHeader) {
-  write_adjacency(bundle_adjacency());
-  std::array<std::uint8_t, 32> fab{};
-  func_rc_e rc = RC_FAIL;
-  run([&](env_t env) {
-    read_adjacency(env);
-    rc = lag_process_l3_adj_ing(env, V4.data(), fab.data(), RAW_HASH);
-  });
-  EXPECT_EQ(rc, RC_PKT_DROP);
-  EXPECT_EQ(fab, (std::array<std::uint8_t, 32>{}));
-  EXPECT_EQ(counter(DROP_LAG_ING_INVALID), 1u);
-}
-
 // ---- the common choice and the L3 form ----
 
 // 0xBCD is 3021: 3021 mod 7 = 4, while its low byte 0xCD, 205, mod 7 = 2.
