@@ -6,7 +6,6 @@
 
 #include <vector>
 
-#include "ctrl/counters.h"
 #include "dplane/infra/drop.h"
 #include "dplane/lag/lag_egr.h"
 #include "dplane/lag/lag_ing.h"
