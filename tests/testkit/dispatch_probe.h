@@ -63,16 +63,14 @@ template <std::uint32_t type>
 void nph_probe(env_t env) {
   probe_ran(env, {dispatch_table::fabric, type, FALSE});
 }
-template <std::size_t... vector>
-constexpr std::array<ing_fn_type, sizeof...(vector)> ing_probe_entries(std::index_sequence<vector...>) {
-  return {&ing_probe<vector>...};
+inline constexpr auto ing_probes = []<std::size_t... v>(std::index_sequence<v...>) {
+  return std::array<ing_fn_type, sizeof...(v)>{&ing_probe<v>...};
 }
-template <std::size_t... type>
-constexpr std::array<nph_fn_type, sizeof...(type)> nph_probe_entries(std::index_sequence<type...>) {
-  return {&nph_probe<type>...};
+(std::make_index_sequence<256>{});
+inline constexpr auto nph_probes = []<std::size_t... t>(std::index_sequence<t...>) {
+  return std::array<nph_fn_type, sizeof...(t)>{&nph_probe<t>...};
 }
-inline constexpr auto ing_probes = ing_probe_entries(std::make_index_sequence<256>{});
-inline constexpr auto nph_probes = nph_probe_entries(std::make_index_sequence<64>{});
+(std::make_index_sequence<64>{});
 inline void set_body(dispatch_table table, probe_body body) {
   std::lock_guard guard(probe().lock);
   probe().calls.clear();

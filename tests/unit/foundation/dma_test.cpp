@@ -39,22 +39,6 @@ TEST(DmaCommand, WordsOfTheFixedCommands) {
   }
 }
 
-TEST(DmaCommand, OperationWordsOfMemoryRequestsAndPagedRecords) {
-  struct row {
-    const char* name;
-    std::uint32_t built;
-    std::uint32_t word;
-  };
-  const row rows[] = {
-      {"16-byte read with response, no mask", mem_req_word0(0x12, MEM_OP_READ_16B, false, true), 0x120003AA},
-      {"increment with every byte", mem_req_word0(0x40, MEM_OP_INCR_4B, true, false), 0x400F0107},
-      {"increment-with-wrap first half", mem_req_word0(0x01, MEM_OP_INCR_4B, false, true, false), 0x01000207},
-      {"paged record 0x123 of descriptor 5", tlu_paged_record(5, 0x123), 0x1400048C},
-      {"the same with the paged mark", tlu_paged_word(5, 0x123), 0x1400048E},
-  };
-  for (const row& r : rows) EXPECT_EQ(r.built, r.word) << r.name;
-}
-
 TEST(PluAddress, MapsPrefixUnitAddressesToPhysicalMemory) {
   struct row {
     std::uint32_t vaddr;

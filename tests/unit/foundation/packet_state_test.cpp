@@ -1,5 +1,4 @@
-// The thread context: start of a thread, the per-packet and per-pass reset,
-// and the global configuration copy.
+// The thread context: start of a thread and the per-packet and per-pass reset.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -47,26 +46,6 @@ TEST(PacketLoop, EveryPacketStartsWithAFreshState) {
   EXPECT_NE(buffers[0], buffers[1]);  // the model hands out its two buffers in turn
 }
 
-// The registers are read when a packet-ending request returns with the next
-// packet; the first request of a thread is not such a request.
-std::pair<std::uint32_t, std::uint32_t> config_copy(testkit::npu_harness& h) {
-  std::pair<std::uint32_t, std::uint32_t> v;
-  h.on_thread([&](env_t env) { v = {*ps_get_global_uidb_reg(env), *ps_get_global_uidb_reg_router_id(env)}; });
-  return v;
-}
-
-TEST(GlobalConfig, TakenUpAtAPacketBoundaryWithTheRouterIdOfAChange) {
-  testkit::npu_harness h;
-  h.one(dist_hdr::line(0));
-  h.npu().set_router_id(5);
-  h.one(dist_hdr::line(0));
-  EXPECT_EQ(config_copy(h), std::make_pair(0u, 0u)) << "a router id alone travels not";
-  h.npu().set_global_config(0x28);
-  EXPECT_EQ(config_copy(h), std::make_pair(0u, 0u)) << "nothing before the packet boundary";
-  h.one(dist_hdr::line(0));
-  EXPECT_EQ(config_copy(h), std::make_pair(0x28u, 5u));
-}
-
 // A further pass keeps exactly the flags of the keep table, by rx_tx_adj_pwhe.
 TEST(MultipassInit, KeepsExactlyTheFlagsOfTheKeepTable) {
   struct row {
@@ -110,10 +89,9 @@ TEST(ThreadStart, IdentityDerivedFields) {
     std::uint32_t tlu_policy;
     std::uint32_t stack_top;
   };
-  const row rows[] = {{0, 0, 0x02000000, 0x4450000}, {3, 0xC00C, 0x02000000, 0x4450000},
-                      {4, 0, 0x02000000, 0x4450000}, {8, 0, 0x02000000, 0x444F140},
-                      {0x50, 0, 0, 0x4446C80},       {0x9B, 0xC00C, 0x02000000, 0x444D3A0},
-                      {0x10010, 0, 0, 0x444E280}};
+  const row rows[] = {{0, 0, 0x02000000, 0x4450000},         {3, 0xC00C, 0x02000000, 0x4450000},
+                      {8, 0, 0x02000000, 0x444F140},         {0x50, 0, 0, 0x4446C80},
+                      {0x9B, 0xC00C, 0x02000000, 0x444D3A0}, {0x10010, 0, 0, 0x444E280}};
   testkit::npu_harness h;
   for (const row& r : rows) {
     SCOPED_TRACE("identity " + std::to_string(r.identity));

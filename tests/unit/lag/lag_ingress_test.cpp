@@ -1,8 +1,7 @@
 // The member choice at ingress: by hash modulo the member count, truncated
 // for a bundle that asks for it, written with its VQI into the fabric header;
 // from a receive adjacency, by the packet's raw hash, a hash the adjacency
-// pins, or (MGSCP) the hash of one address of the packet; and the
-// adjacency's bundle marks.
+// pins, or (MGSCP) the hash of one address of the packet.
 #include "ctrl/page_descriptors.h"
 #include "ctrl/protected_records.h"
 #include "dplane/infra/hash_bits.h"
@@ -106,40 +105,6 @@ TEST_F(Adjacency, ChoosesTheMemberByTheAdjacencysHash) {
     EXPECT_EQ(fab[14], member);
     EXPECT_EQ(dc3_nph_fields::dc3_fgid_or_sfp::get(fab), VQI_BASE + member);
     EXPECT_EQ(counter(CNT_LAG_MGSCP_RAW_HASH) - counted_before, c.counted ? 1u : 0u);
-  }
-}
-
-TEST_F(Adjacency, AnInvalidBundleDropsAtTheEndOfTheChainAndLeavesTheHeader) {
-  write_adjacency(bundle_adjacency());
-  std::array<std::uint8_t, 32> fab{};
-  func_rc_e rc = RC_FAIL;
-  run([&](env_t env) {
-    read_adjacency(env);
-    rc = lag_process_l3_adj_ing(env, V4.data(), fab.data(), RAW_HASH);
-  });
-  EXPECT_EQ(rc, RC_PKT_DROP);
-  EXPECT_EQ(fab, (std::array<std::uint8_t, 32>{}));
-  EXPECT_EQ(counter(DROP_LAG_ING_INVALID), 1u);
-}
-
-// A bundle alone: rx_lag_adj (bit 0x01 of byte 0) with no other mark but
-// the hash marks (0x06); the port byte (byte 2) is no mark. pwhe is 0x20 of
-// byte 0, sfi 0x02 of byte 1.
-TEST_F(Adjacency, MarksTellABundleAlone) {
-  const std::pair<std::array<std::uint8_t, 3>, boolean_t> cases[] = {{{0x07, 0x00, 0xFF}, TRUE},
-                                                                     {{0x21, 0x00, 0x00}, FALSE},
-                                                                     {{0x01, 0x02, 0x00}, FALSE},
-                                                                     {{0x06, 0x00, 0x00}, FALSE}};
-  for (const auto& [bytes, only] : cases) {
-    adj_st adj{};
-    std::copy(bytes.begin(), bytes.end(), adj.bytes);
-    write_adjacency(adj);
-    boolean_t got = 2;
-    run([&](env_t env) {
-      read_adjacency(env);
-      got = lag_only_l3_adj_ing_enabled(env);
-    });
-    EXPECT_EQ(got, only) << int(bytes[0]) << " " << int(bytes[1]);
   }
 }
 

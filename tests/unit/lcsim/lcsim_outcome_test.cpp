@@ -30,7 +30,6 @@ model::packet_outcome outcome(packet_end end, std::vector<std::uint32_t> counter
 TEST(LcsimOutcome, APacketEndsSentPuntedOrDroppedWithItsCounter) {
   const std::pair<model::packet_outcome, std::string> cases[] = {
       {outcome(packet_end::sent, {TRACED_FABRIC_SEND}, frame_destination::fabric), "sent"},
-      {outcome(packet_end::sent, {}, frame_destination::line), "sent"},
       {outcome(packet_end::sent, {}, frame_destination::host), "punted"},
       {outcome(packet_end::freed, {0x60, 0x150}, {}, 0x150), "dropped 0x150"},
       {outcome(packet_end::freed, {}), "freed"},

@@ -49,20 +49,6 @@ std::vector<std::uint64_t> departure_order(testkit::npu_harness& h) {
   return seqs;
 }
 
-TEST(FlowOrder, PacketsOfOneLockLeaveInArrivalOrder) {
-  testkit::npu_harness h(1, 2);
-  std::latch first_may_end(1);
-  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
-    convert_to(env, 800);
-    if (flow_of(env) == 1) first_may_end.wait();
-    if (flow_of(env) == 2) first_may_end.count_down();  // and leaves only behind the first
-    drop_packet_no_counter(env);
-  });
-  h.send(testkit::line_packet(), packet_payload(1, 0));
-  h.send(testkit::line_packet(), packet_payload(2, 0));
-  EXPECT_EQ(departure_order(h), (std::vector<std::uint64_t>{1, 2}));
-}
-
 // If the second packet waited for the first, the third packet, which lets
 // the first go on, would find no thread: a broken order hangs here.
 TEST(FlowOrder, PacketsOfDifferentLocksDoNotWaitForEachOther) {

@@ -13,9 +13,7 @@ TEST(FlowlockNumbers, GroupsFoldTheIdentifierIntoTheirRange) {
     std::uint16_t lock;
   };
   const row rows[] = {
-      {224, 33, 225},  {192, 16, 192}, {185, 9, 185},     {184, 9, 185},
-      {208, 17, 209},  {216, 40, 216}, {256, 0x1FF, 511}, {768, 0x1234, 768 + 0x34},
-      {1000, 7, 1000},
+      {224, 33, 225}, {185, 9, 185}, {184, 9, 185}, {256, 0x1FF, 511}, {768, 0x1234, 768 + 0x34}, {1000, 7, 1000},
   };
   for (const row& r : rows) {
     SCOPED_TRACE("group " + std::to_string(r.group) + " id " + std::to_string(r.id));

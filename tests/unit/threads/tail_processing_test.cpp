@@ -37,29 +37,6 @@ constexpr std::uint32_t FLOWHASH = 0x1234;
 constexpr std::uint16_t TAIL_LOCK = 768 + 0x34;
 constexpr std::uint16_t LOOP_LOCK = 300;
 
-TEST(EnableTail, FirstCallOnAnOrdinaryPacketKeepsItUnderTheFlowsTailLock) {
-  testkit::npu_harness h;
-  h.on_thread([](env_t env) {
-    clear_tail_state(env);
-    enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
-    EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_span);
-    EXPECT_TRUE(is_tail_processing_enabled(env, tail_proc_span));
-    EXPECT_FALSE(is_tail_processing_enabled(env, tail_proc_netflow));
-
-    enable_tail_processing(env, 0x99, tail_proc_netflow);  // the first caller's lock stands
-    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, 0}));
-    EXPECT_EQ(*ps_get_tail_proc_enables(env), tail_proc_span | tail_proc_netflow);
-
-    // In a replication loop the loop's lock waits in tail_flowlock_id.
-    clear_tail_state(env);
-    cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
-    *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
-    enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    EXPECT_EQ(tail_state_of(env), (tail_state{1, 1, TAIL_LOCK, LOOP_LOCK}));
-  });
-}
-
 TEST(EnableTail, APassAloneOnAnUnsampledPacketBringsFlowExportUnderTheFlowRecordsLock) {
   struct row {
     const char* name;
@@ -92,18 +69,34 @@ TEST(EnableTail, APassAloneOnAnUnsampledPacketBringsFlowExportUnderTheFlowRecord
   }
 }
 
-TEST(DisableTail, TheOnlyFunctionTakenBackLeavesAnOrdinaryPacketOrTheLoopsLock) {
+// The first call keeps the packet under the flow's tail lock, which later
+// calls leave; taking back the only function leaves an ordinary packet, or
+// the loop's lock in a replication loop.
+TEST(EnableTail, TheFirstCallTakesTheTailLockAndTheLastTakenBackReturnsIt) {
   struct row {
     const char* name;
     bool in_loop;
-    std::uint32_t funcs;
+    std::vector<tail_proc_func_e> enabled;  // the first with FLOWHASH, later ones with another hash
+    bool disable_span;
     tail_state after;
     std::uint32_t enables_after;
   };
   const row rows[] = {
-      {"ordinary packet", false, tail_proc_span, {0, 0, 0, 0}, 0},
-      {"in a replication loop", true, tail_proc_span, {0, 1, LOOP_LOCK, LOOP_LOCK}, 0},
-      {"one of two", false, tail_proc_span | tail_proc_netflow, {1, 1, TAIL_LOCK, 0}, tail_proc_netflow},
+      {"first call", false, {tail_proc_span}, false, {1, 1, TAIL_LOCK, 0}, tail_proc_span},
+      {"later call",
+       false,
+       {tail_proc_span, tail_proc_netflow},
+       false,
+       {1, 1, TAIL_LOCK, 0},
+       tail_proc_span | tail_proc_netflow},
+      {"only function taken back", false, {tail_proc_span}, true, {0, 0, 0, 0}, 0},
+      {"taken back in a replication loop", true, {tail_proc_span}, true, {0, 1, LOOP_LOCK, LOOP_LOCK}, 0},
+      {"one of two taken back",
+       false,
+       {tail_proc_span, tail_proc_netflow},
+       true,
+       {1, 1, TAIL_LOCK, 0},
+       tail_proc_netflow},
   };
   testkit::npu_harness h;
   for (const row& r : rows) {
@@ -114,10 +107,11 @@ TEST(DisableTail, TheOnlyFunctionTakenBackLeavesAnOrdinaryPacketOrTheLoopsLock) 
         cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
         *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
       }
-      enable_tail_processing(env, FLOWHASH, static_cast<tail_proc_func_e>(r.funcs));
-      disable_tail_processing(env, tail_proc_span);
+      for (std::size_t i = 0; i < r.enabled.size(); ++i) enable_tail_processing(env, i ? 0x99 : FLOWHASH, r.enabled[i]);
+      if (r.disable_span) disable_tail_processing(env, tail_proc_span);
       EXPECT_EQ(tail_state_of(env), r.after);
       EXPECT_EQ(*ps_get_tail_proc_enables(env), r.enables_after);
+      EXPECT_EQ(is_tail_processing_enabled(env, tail_proc_netflow) == TRUE, (r.enables_after & tail_proc_netflow) != 0);
     });
   }
 }
@@ -179,10 +173,6 @@ TEST(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
        tail_proc_acl_log_punt | tail_proc_li_rep__l2,
        tail_processing_vpls_ing,
        {UNBUILT_li_replication__l2, UNBUILT_punt_process_acl_ing_L2}},
-      {"the inject form of lawful intercept",
-       tail_proc_li_rep__l3 | tail_proc_li_rep__ipv6,
-       tail_processing_inject_egr,
-       {UNBUILT_l3_inj_egr_li_process, UNBUILT_li_replication__ipv6}},
       {"no L2 form of lawful intercept", tail_proc_li_rep__l3, tail_processing_vpls_ing, {}},
   };
   for (const row& r : rows) {
@@ -198,24 +188,6 @@ TEST(TailRun, OwedFunctionsRunInTheSidesOrderAndTheLastEndsThePacket) {
         << "the last function ends the packet";
     for (unbuilt_handler_e f : r.order) EXPECT_EQ(fresh.npu().placeholder_count(f), 1u) << unbuilt_handler_name(f);
   }
-}
-
-TEST(TailRun, InAReplicationLoopTheTailReturnsToTheLoopsLockAndKeepsTheBuffer) {
-  testkit::npu_harness h;
-  tail_state after_tail{};
-  testkit::probe_vector(h, testkit::TEST_VECTOR, [&](env_t env) {
-    cf::keep_gpm::set(*ps_put_mod_common_flags(env), 1);
-    *ps_put_mod_next_flowlock_id(env) = LOOP_LOCK;
-    enable_tail_processing(env, FLOWHASH, tail_proc_span);
-    tail_processing_ipv4_ing(env);
-    after_tail = tail_state_of(env);
-    cf::keep_gpm::set(*ps_put_mod_common_flags(env), 0);  // the loop's last copy
-    drop_packet(env, 0x124);
-  });
-  const model::packet_outcome o = h.one(testkit::line_packet());
-  EXPECT_EQ(after_tail, (tail_state{0, 1, LOOP_LOCK, LOOP_LOCK}));
-  EXPECT_EQ(o.placeholder, static_cast<std::int32_t>(UNBUILT_span_process_ing));
-  EXPECT_EQ(o.global_counters, (std::vector<std::uint32_t>{0x124}));
 }
 
 }  // namespace
