@@ -19,24 +19,8 @@ using baf = baf_hdr_ing_st;
 constexpr std::uint16_t ETHERTYPE_MPLS_MULTICAST = 0x8848;
 constexpr std::uint32_t MARK_LOW_BITS = 8;
 
-// The bridge groups 01-80-C2-xx-xx-xx, and four exact addresses.
-constexpr std::array<std::uint8_t, 3> BRIDGE_GROUP_PREFIX = {0x01, 0x80, 0xC2};
-constexpr std::array<mac_address, 4> CONTROL_GROUPS = {{
-    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCC},
-    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCD},
-    {0x01, 0x00, 0x0C, 0xCD, 0xCD, 0xD0},
-    {0x01, 0x00, 0x5E, 0x90, 0x00, 0x01},
-}};
-
-bool is_control_group(std::span<const std::uint8_t> mac) {
-  if (std::equal(BRIDGE_GROUP_PREFIX.begin(), BRIDGE_GROUP_PREFIX.end(), mac.begin())) return true;
-  return std::any_of(CONTROL_GROUPS.begin(), CONTROL_GROUPS.end(),
-                     [&](const mac_address& g) { return std::equal(g.begin(), g.end(), mac.begin()); });
-}
-
 std::uint32_t da_bits_of(std::span<const std::uint8_t> frame, const parser_port* port) {
-  if (frame[0] & 1)
-    return is_control_group(frame.first(ETHER_ADDR_BYTES)) ? DA_BITS_CONTROL_MULTICAST : DA_BITS_MULTICAST;
+  if (frame[0] & 1) return da_is_control_group(frame.data()) ? DA_BITS_CONTROL_MULTICAST : DA_BITS_MULTICAST;
   const bool ours = port && std::equal(port->router_mac.begin(), port->router_mac.end(), frame.begin());
   return ours ? DA_BITS_UNICAST : DA_BITS_FOREIGN_UNICAST;
 }

@@ -18,23 +18,6 @@ constexpr std::uint32_t L3_OFFSET_MASK = 0x7F;
 constexpr std::uint32_t MPLS_WALK_LABELS = 4;
 constexpr std::uint32_t MPLS_LABEL_GAL = 13;
 
-constexpr std::uint8_t BRIDGE_GROUP_PREFIX[3] = {0x01, 0x80, 0xC2};
-// The four exact addresses that count as well-known control groups.
-constexpr std::uint8_t CONTROL_GROUPS[4][ETHER_ADDR_BYTES] = {
-    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCC},
-    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCD},
-    {0x01, 0x00, 0x0C, 0xCD, 0xCD, 0xD0},
-    {0x01, 0x00, 0x5E, 0x90, 0x00, 0x01},
-};
-
-bool is_control_group(const std::uint8_t* mac) {
-  if (std::memcmp(mac, BRIDGE_GROUP_PREFIX, sizeof BRIDGE_GROUP_PREFIX) == 0) return true;
-  for (const auto& group : CONTROL_GROUPS) {
-    if (std::memcmp(mac, group, ETHER_ADDR_BYTES) == 0) return true;
-  }
-  return false;
-}
-
 bool is_ipv6_link_local(const std::uint8_t* addr) { return addr[0] == 0xFE && (addr[1] & 0xC0) == 0x80; }
 
 void decode_lengths(env_t env) {
@@ -63,7 +46,7 @@ void decode_ipv6(baf_hdr_ing_st& baf, const std::uint8_t* l3) {
 
 std::uint32_t pkt_decode_da_bits(const std::uint8_t* dst_mac) {
   if (!(dst_mac[0] & 1)) return DA_BITS_UNICAST;
-  return is_control_group(dst_mac) ? DA_BITS_CONTROL_MULTICAST : DA_BITS_MULTICAST;
+  return da_is_control_group(dst_mac) ? DA_BITS_CONTROL_MULTICAST : DA_BITS_MULTICAST;
 }
 
 void npu_ing_pkt_decode(env_t env, const std::uint8_t* pkt_start, boolean_t vlan_parse_only) {

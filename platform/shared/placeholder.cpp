@@ -1,7 +1,5 @@
 #include "placeholder.h"
 
-#include <iterator>
-
 #include "dma_common.h"
 #include "dplane/infra/drop.h"
 #include "dplane/infra/ps.h"
@@ -9,17 +7,10 @@
 namespace {
 
 constexpr const char* names[] = {
-#define HANDLER(name, state, ret, params) LC_IF_PLACEHOLDER(state, #name, )
-#define TAIL_FUNCTION(name, state) LC_IF_PLACEHOLDER(state, #name, )
-#define FEATURE_STEP(name, state) LC_IF_PLACEHOLDER(state, #name, )
-#include "feature_steps.def"
-#include "handlers.def"
-#include "tail_functions.def"
-#undef HANDLER
-#undef TAIL_FUNCTION
-#undef FEATURE_STEP
+#define PLACEHOLDER_ROW(name) #name,
+#include "placeholder_rows.def"
+#undef PLACEHOLDER_ROW
 };
-static_assert(std::size(names) == UNBUILT_HANDLER_COUNT);
 
 // The last cell of the request area; nothing else is live when a packet ends here.
 constexpr std::uint32_t UNBUILT_REQ_CELL = 0x3F0;

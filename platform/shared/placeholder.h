@@ -15,15 +15,9 @@
 #define LC_IF_PLACEHOLDER(state, ...) LC_IF_PLACEHOLDER_##state(__VA_ARGS__)
 
 enum unbuilt_handler_e : std::uint32_t {
-#define HANDLER(name, state, ret, params) LC_IF_PLACEHOLDER(state, UNBUILT_##name, )
-#define TAIL_FUNCTION(name, state) LC_IF_PLACEHOLDER(state, UNBUILT_##name, )
-#define FEATURE_STEP(name, state) LC_IF_PLACEHOLDER(state, UNBUILT_##name, )
-#include "feature_steps.def"
-#include "handlers.def"
-#include "tail_functions.def"
-#undef HANDLER
-#undef TAIL_FUNCTION
-#undef FEATURE_STEP
+#define PLACEHOLDER_ROW(name) UNBUILT_##name,
+#include "placeholder_rows.def"
+#undef PLACEHOLDER_ROW
   UNBUILT_HANDLER_COUNT
 };
 

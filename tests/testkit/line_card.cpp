@@ -3,15 +3,12 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "testkit/routed_port.h"
+
 namespace testkit {
 
-namespace {
-constexpr std::uint32_t PORT_HANDLE_BASE = 0x100;
-}
-
 void line_card::add_port(std::uint32_t port, ctrl::port_bits bits, std::uint32_t input_queue) {
-  const ctrl::line_port p{port, ROUTER_MAC, input_queue, PORT_HANDLE_BASE + port, bits};
-  if (ifs().add_port(p) != ctrl::error::none) throw std::invalid_argument("line port refused");
+  add_line_port(tables(), port, bits, input_queue, ROUTER_MAC);
 }
 
 ctrl::l3_interface line_card::routed(std::uint32_t if_handle, bool ipv4, bool ipv6, bool mpls) {

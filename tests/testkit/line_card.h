@@ -24,7 +24,7 @@ class line_card {
   ctrl::npu_tables& tables() { return h_.tables(); }
   ctrl::interfaces& ifs() { return h_.tables().ifs(); }
 
-  // A line port with the router's MAC; its interface handle is 0x100 + port.
+  // A line port with the router's MAC (add_line_port).
   void add_port(std::uint32_t port, ctrl::port_bits bits = {}, std::uint32_t input_queue = 0);
   // L3 settings routing the given protocols, with handle `if_handle`.
   static ctrl::l3_interface routed(std::uint32_t if_handle, bool ipv4, bool ipv6, bool mpls);

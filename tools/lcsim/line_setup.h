@@ -3,11 +3,15 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "ctrl/npu_tables.h"
 #include "pktlib/addresses.h"
 
 namespace lcsim {
+
+// Throws std::runtime_error naming `what` when the control side refused it.
+void require_accepted(ctrl::error e, const std::string& what);
 
 // The port's interface routing IPv4, IPv6 and MPLS.
 ctrl::l3_interface routed_interface();

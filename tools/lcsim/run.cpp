@@ -16,13 +16,6 @@ namespace {
 // The router MAC of the scenario's own interfaces.
 const pkt::mac_addr ROUTER_MAC = {0x02, 0x00, 0x00, 0x00, 0x00, 0x01};
 
-void check(ctrl::error e, const std::string& what) {
-  if (e != ctrl::error::none) {
-    throw std::runtime_error("the control side refused " + what + " (error " + std::to_string(static_cast<int>(e)) +
-                             ")");
-  }
-}
-
 // The packet with the UIDB index of the interface its header names.
 model::arriving_packet as_sent(const scenario_packet& p, const std::vector<std::uint16_t>& uidb_indexes) {
   model::arriving_packet pkt = p.packet;
@@ -37,7 +30,7 @@ model::arriving_packet as_sent(const scenario_packet& p, const std::vector<std::
 }  // namespace
 
 std::vector<packet_result> run_scenario(model::chassis& chassis, ctrl::chassis_tables& tables, const scenario& sc) {
-  for (const vqi_route& v : sc.vqis) check(tables.map_vqi(v.vqi, v.npu), "VQI " + std::to_string(v.vqi));
+  for (const vqi_route& v : sc.vqis) require_accepted(tables.map_vqi(v.vqi, v.npu), "VQI " + std::to_string(v.vqi));
   std::vector<std::uint16_t> uidb_indexes;
   for (const interface_record& i : sc.interfaces) {
     uidb_indexes.push_back(set_up_line_port(tables.npu(i.npu), i.port, ROUTER_MAC, i.cfg));

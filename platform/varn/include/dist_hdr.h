@@ -63,6 +63,31 @@ enum da_bits_e : std::uint32_t {
   DA_BITS_MULTICAST = 3,          // any other group, and broadcast
 };
 
+// The well-known control groups (DA_BITS_CONTROL_MULTICAST): the bridge
+// groups 01-80-C2-xx-xx-xx and four exact addresses.
+inline constexpr std::uint8_t DA_BRIDGE_GROUP_PREFIX[3] = {0x01, 0x80, 0xC2};
+inline constexpr std::uint8_t DA_CONTROL_GROUPS[4][6] = {
+    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCC},
+    {0x01, 0x00, 0x0C, 0xCC, 0xCC, 0xCD},
+    {0x01, 0x00, 0x0C, 0xCD, 0xCD, 0xD0},
+    {0x01, 0x00, 0x5E, 0x90, 0x00, 0x01},
+};
+
+// Whether the 6-byte destination MAC at `mac` is a well-known control group.
+constexpr bool da_is_control_group(const std::uint8_t* mac) {
+  const auto starts_with = [mac](const std::uint8_t* bytes, int n) {
+    for (int i = 0; i < n; ++i) {
+      if (mac[i] != bytes[i]) return false;
+    }
+    return true;
+  };
+  if (starts_with(DA_BRIDGE_GROUP_PREFIX, 3)) return true;
+  for (const auto& group : DA_CONTROL_GROUPS) {
+    if (starts_with(group, 6)) return true;
+  }
+  return false;
+}
+
 // The parser's and the port tables' results, bytes 16..31 of a line packet's
 // header. The first eight bytes have several views over the same bytes.
 struct baf_hdr_ing_st {
